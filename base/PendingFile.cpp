@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/PendingFile.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace starbloom {
+
+namespace {
+
+std::string reason(int errorNumber) {
+    return std::error_code(errorNumber, std::generic_category()).message();
+}
+
+Error cannotWrite(const std::filesystem::path& target, const std::string& why) {
+    return Error{"cannot write " + target.string() + ": " + why};
+}
+
+/// Brings a rename to the disk. Some file systems cannot sync a folder; the file itself is safe by then.
+void syncFolder(const std::filesystem::path& folder) {
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        ::fsync(descriptor);
+        ::close(descriptor);
+    }
+}
+
+std::filesystem::path folderOf(const std::filesystem::path& target) {
+    const auto parent = target.parent_path();
+    return parent.empty() ? std::filesystem::path(".") : parent;
+}
+
+} // namespace
+
+Result<PendingFile> PendingFile::create(const std::filesystem::path& target) {
+    if (target.filename().empty()) {
+        return cannotWrite(target, "that is not the name of a file");
+    }
+    std::error_code ignored;
+    if (std::filesystem::is_directory(target, ignored)) {
+        return cannotWrite(target, reason(EISDIR));
+    }
+    // The process number keeps programs apart, the counter the attempts of this one; O_EXCL settles what is left.
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        std::array<char, 64> suffix{};
+        std::snprintf(suffix.data(), suffix.size(), ".%ld-%d.part", static_cast<long>(::getpid()), attempt);
+        // The name of the target could already be as long as a name may be, so it does not become a part of this one.
+        const auto temporary = folderOf(target) / (std::string(".starbloom") + suffix.data());
+        const int descriptor = ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor >= 0) {
+            return PendingFile(target, temporary, descriptor);
+        }
+        if (errno != EEXIST) {
+            return cannotWrite(target, reason(errno));
+        }
+    }
+    return cannotWrite(target, reason(EEXIST));
+}
+
+PendingFile::PendingFile(std::filesystem::path target, std::filesystem::path temporary, int descriptor)
+    : m_target(std::move(target))
+    , m_temporary(std::move(temporary))
+    , m_descriptor(descriptor) {}
+
+PendingFile::PendingFile(PendingFile&& other) noexcept
+    : m_target(std::move(other.m_target))
+    , m_temporary(std::move(other.m_temporary))
+    , m_descriptor(std::exchange(other.m_descriptor, -1)) {}
+
+PendingFile& PendingFile::operator=(PendingFile&& other) noexcept {
+    if (this != &other) {
+        discard();
+        m_target = std::move(other.m_target);
+        m_temporary = std::move(other.m_temporary);
+        m_descriptor = std::exchange(other.m_descriptor, -1);
+    }
+    return *this;
+}
+
+PendingFile::~PendingFile() {
+    discard();
+}
+
+Result<void> PendingFile::write(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const auto written = ::write(m_descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            return failure(errno);
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return {};
+}
+
+Result<void> PendingFile::commit() {
+    // Some file systems report a full disk only here.
+    if (::fsync(m_descriptor) != 0) {
+        const auto error = failure(errno);
+        discard();
+        return error;
+    }
+    const int descriptor = std::exchange(m_descriptor, -1);
+    if (::close(descriptor) != 0 || ::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
+        const auto error = failure(errno);
+        ::unlink(m_temporary.c_str());
+        return error;
+    }
+    syncFolder(folderOf(m_target));
+    return {};
+}
+
+void PendingFile::discard() noexcept {
+    if (m_descriptor >= 0) {
+        ::close(std::exchange(m_descriptor, -1));
+        ::unlink(m_temporary.c_str());
+    }
+}
+
+Error PendingFile::failure(int errorNumber) const {
+    return cannotWrite(m_target, reason(errorNumber));
+}
+
+Result<void> writeFile(const std::filesystem::path& target, std::span<const std::byte> bytes) {
+    auto file = PendingFile::create(target);
+    if (!file) {
+        return file.error();
+    }
+    if (auto written = file.value().write(bytes); !written) {
+        return written;
+    }
+    return file.value().commit();
+}
+
+} // namespace starbloom

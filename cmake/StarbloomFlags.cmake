@@ -1,0 +1,34 @@
+# The compiler flags of every target, in one place.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(starbloom_flags INTERFACE)
+
+target_compile_options(starbloom_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+  # GCC 12 sees overlaps in std::string's own operator+ where there are none (its bug 105329).
+  -Wno-restrict
+  # A show is the same bit for bit on every machine: a fused multiply-add, which only some processors have, would break that.
+  -ffp-contract=off)
+
+if(STARBLOOM_WERROR)
+  target_compile_options(starbloom_flags INTERFACE -Werror)
+endif()
+
+if(STARBLOOM_SANITIZER)
+  target_compile_options(starbloom_flags INTERFACE
+    -fsanitize=${STARBLOOM_SANITIZER} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(starbloom_flags INTERFACE -fsanitize=${STARBLOOM_SANITIZER})
+endif()
+
+# starbloom_library(<folder> <sources...>): one static library per folder, also known as starbloom::<folder>.
+# Includes are written from the root of the tree, as in #include "engine/model/EmitterCell.h".
+function(starbloom_library name)
+  add_library(starbloom_${name} STATIC ${ARGN})
+  add_library(starbloom::${name} ALIAS starbloom_${name})
+  target_include_directories(starbloom_${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(starbloom_${name} PRIVATE starbloom_flags)
+endfunction()

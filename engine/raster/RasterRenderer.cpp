@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/raster/RasterRenderer.h"
+
+#include "engine/raster/CommandChunk.h"
+#include "engine/raster/LightBand.h"
+
+#include <oneapi/tbb/enumerable_thread_specific.h>
+#include <oneapi/tbb/parallel_for.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+namespace starbloom {
+
+namespace {
+
+/// Sprites are dropped between frames when they take more than this: only an image that looks different from each side,
+/// turning at many large sizes, gets there.
+constexpr std::size_t atlasBudget = 256U << 20U;
+
+std::uint16_t backgroundLight(float channel, float alpha) {
+    const float shown = std::clamp(channel, 0.0F, 1.0F) * std::clamp(alpha, 0.0F, 1.0F);
+    const int level = static_cast<int>(shown * 255.0F + 0.5F);
+    return static_cast<std::uint16_t>((level << lightShift) + (1 << (lightShift - 1)));
+}
+
+} // namespace
+
+/// The working memory of a renderer, and the steps of one frame.
+class RasterRenderer::Frame {
+public:
+    explicit Frame(const RasterKernels& kernels)
+        : m_kernels(kernels) {}
+
+    void render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target);
+
+private:
+    void splitIntoChunks(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target);
+    std::uint16_t atlasFor(const std::shared_ptr<const SparkImage>& image);
+    void placeSparks();
+    void makeMissingSprites();
+    void drawBand(int band, const View& view, const RasterTarget& target);
+
+    const RasterKernels& m_kernels;
+    std::vector<std::unique_ptr<SpriteAtlas>> m_atlases;
+    std::vector<CommandChunk> m_chunks;
+    std::size_t m_chunkCount = 0; ///< In use in this frame; the others only keep their memory.
+    TileGrid m_grid;
+    oneapi::tbb::enumerable_thread_specific<LightBand> m_bands;
+};
+
+void RasterRenderer::Frame::render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target) {
+    m_grid = TileGrid(target.width, target.height);
+    splitIntoChunks(sparks, view, target);
+    placeSparks();
+    makeMissingSprites();
+    oneapi::tbb::parallel_for(0, m_grid.bands(), [&](int band) { drawBand(band, view, target); });
+}
+
+void RasterRenderer::Frame::splitIntoChunks(std::span<const SparkBatch> sparks, const View& view,
+                                            const RasterTarget& target) {
+    // A show has one image or a few. One that keeps bringing new ones must not make us keep them all.
+    if (m_atlases.size() > 16) {
+        m_atlases.clear();
+    }
+    m_chunkCount = 0;
+    std::size_t room = 0;
+    for (const SparkBatch& batch : sparks) {
+        if (batch.law().image == nullptr) {
+            continue;
+        }
+        const std::uint16_t atlas = atlasFor(batch.law().image);
+        PlaceSettings settings;
+        settings.time = view.time;
+        settings.pixelsPerPoint = static_cast<float>(view.pixelsPerPoint);
+        settings.pictureHeight = static_cast<float>(target.height);
+        settings.imageSizePixels = m_atlases[atlas]->sizeInPoints() * settings.pixelsPerPoint;
+        for (std::size_t first = 0; first < batch.size();) {
+            if (room == 0) {
+                if (m_chunkCount == m_chunks.size()) {
+                    m_chunks.emplace_back();
+                }
+                m_chunks[m_chunkCount++].begin();
+                room = CommandChunk::capacity;
+            }
+            const std::size_t count = std::min(room, batch.size() - first);
+            m_chunks[m_chunkCount - 1].add({&batch, first, count, settings, atlas});
+            first += count;
+            room -= count;
+        }
+    }
+}
+
+std::uint16_t RasterRenderer::Frame::atlasFor(const std::shared_ptr<const SparkImage>& image) {
+    const auto found = std::ranges::find(m_atlases, image, [](const auto& atlas) { return atlas->image(); });
+    if (found != m_atlases.end()) {
+        return static_cast<std::uint16_t>(found - m_atlases.begin());
+    }
+    m_atlases.push_back(std::make_unique<SpriteAtlas>(image));
+    return static_cast<std::uint16_t>(m_atlases.size() - 1);
+}
+
+void RasterRenderer::Frame::placeSparks() {
+    oneapi::tbb::parallel_for(std::size_t{0}, m_chunkCount,
+                              [&](std::size_t i) { m_chunks[i].place(m_kernels, m_grid, m_atlases); });
+}
+
+void RasterRenderer::Frame::makeMissingSprites() {
+    std::size_t bytes = 0;
+    for (const auto& atlas : m_atlases) {
+        bytes += atlas->bytes();
+    }
+    if (bytes > atlasBudget) {
+        for (auto& atlas : m_atlases) {
+            atlas->clear();
+        }
+        for (std::size_t i = 0; i < m_chunkCount; ++i) {
+            m_chunks[i].findMissing(m_atlases);
+        }
+    }
+    std::vector<MissingSprite> missing;
+    for (std::size_t i = 0; i < m_chunkCount; ++i) {
+        const auto& some = m_chunks[i].missing();
+        missing.insert(missing.end(), some.begin(), some.end());
+    }
+    std::ranges::sort(missing);
+    missing.erase(std::unique(missing.begin(), missing.end()), missing.end());
+    std::vector<std::unique_ptr<SpriteSet>> made(missing.size());
+    oneapi::tbb::parallel_for(std::size_t{0}, missing.size(), [&](std::size_t i) {
+        made[i] = m_atlases[missing[i].atlas]->make(static_cast<int>(missing[i].key));
+    });
+    for (std::size_t i = 0; i < missing.size(); ++i) {
+        m_atlases[missing[i].atlas]->install(static_cast<int>(missing[i].key), std::move(made[i]));
+    }
+}
+
+void RasterRenderer::Frame::drawBand(int band, const View& view, const RasterTarget& target) {
+    LightBand& light = m_bands.local();
+    const int top = band * TileGrid::tileHeight;
+    light.begin(target.width, top, std::min(TileGrid::tileHeight, target.height - top));
+    for (int column = 0; column < m_grid.columns(); ++column) {
+        for (std::size_t i = 0; i < m_chunkCount; ++i) {
+            for (const SparkCommand& command : m_chunks[i].commandsIn(m_grid.tile(band, column))) {
+                light.draw(m_kernels, *m_atlases[command.atlas]->find(static_cast<int>(command.key)), command);
+            }
+        }
+    }
+    ResolveSettings settings;
+    const Color& background = view.background;
+    settings.background = {backgroundLight(background.red, background.alpha),
+                           backgroundLight(background.green, background.alpha),
+                           backgroundLight(background.blue, background.alpha)};
+    settings.order = target.order;
+    light.resolve(m_kernels, settings, target.pixels + static_cast<std::size_t>(top) * target.bytesPerRow,
+                  target.bytesPerRow);
+}
+
+RasterTarget RasterTarget::of(ImageBuffer& image) {
+    return {image.bytes().data(), image.bytesPerRow(), image.width(), image.height(), PixelOrder::Rgba};
+}
+
+RasterRenderer::RasterRenderer(const RasterKernels& kernels)
+    : m_frame(std::make_unique<Frame>(kernels)) {}
+
+RasterRenderer::~RasterRenderer() = default;
+RasterRenderer::RasterRenderer(RasterRenderer&&) noexcept = default;
+RasterRenderer& RasterRenderer::operator=(RasterRenderer&&) noexcept = default;
+
+void RasterRenderer::render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target) {
+    m_frame->render(sparks, view, target);
+}
+
+} // namespace starbloom

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/raster/RasterKernels.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace starbloom {
+
+namespace {
+
+/// Far outside any picture, and well inside what the fixed-point coordinates hold.
+constexpr float nearestCoordinate = -16384.0F;
+constexpr float farthestCoordinate = 131072.0F;
+
+std::int32_t eighths(float pixels) {
+    const float bounded = std::min(std::max(pixels, nearestCoordinate), farthestCoordinate);
+    return static_cast<std::int32_t>(std::floor(bounded * 8.0F + 0.5F));
+}
+
+float unit(float value) {
+    return std::min(std::max(value, 0.0F), 1.0F);
+}
+
+std::int32_t tint(float channel, float light) {
+    return static_cast<std::int32_t>(channel * light + 0.5F);
+}
+
+void place(const SparkBatch& b, std::size_t first, std::size_t count, const PlaceSettings& s, PlacedSparks& out) {
+    const SparkLaw& law = b.law();
+    const float halfPull = 0.5F * law.yAcceleration;
+    for (std::size_t k = 0; k < count; ++k) {
+        const std::size_t i = first + k;
+        const float age = SparkBatch::age(b.time[i], s.time);
+        const bool alive = age >= 0.0F && age < law.lifetime;
+        const float x = b.x[i] + b.velocityX[i] * age;
+        const float y = (b.y[i] + b.velocityY[i] * age) + (halfPull * age) * age;
+        const float scale = std::max(b.scale[i] + law.scaleSpeed * age, 0.0F);
+        const float alpha = unit(b.alpha[i] + law.colorSpeed.alpha * age);
+        const float light = alive ? alpha * static_cast<float>(fullLight) : 0.0F;
+        out.x8[k] = eighths(x * s.pixelsPerPoint);
+        out.y8[k] = eighths(s.pictureHeight - y * s.pixelsPerPoint);
+        out.size[k] = scale * s.imageSizePixels;
+        out.rotation[k] = law.spin * age;
+        out.red[k] = tint(unit(b.red[i] + law.colorSpeed.red * age), light);
+        out.green[k] = tint(unit(b.green[i] + law.colorSpeed.green * age), light);
+        out.blue[k] = tint(unit(b.blue[i] + law.colorSpeed.blue * age), light);
+    }
+}
+
+void blit(const std::int16_t* mask, int stride, int rows, const SparkCommand& command, std::uint16_t* light,
+          std::ptrdiff_t planeStride) {
+    const std::array<int, 3> tints{command.red, command.green, command.blue};
+    for (int row = 0; row < rows; ++row) {
+        for (const int channelTint : tints) {
+            for (int x = 0; x < stride; ++x) {
+                const int added = (mask[x] * channelTint + (1 << 14)) >> 15;
+                light[x] = static_cast<std::uint16_t>(std::min(light[x] + added, 0xFFFF));
+            }
+            light += planeStride;
+        }
+        mask += stride;
+    }
+}
+
+void resolve(std::uint16_t* light, std::ptrdiff_t planeStride, std::size_t count, const ResolveSettings& settings,
+             std::uint8_t* pixels) {
+    const bool swapped = settings.order == PixelOrder::Bgra;
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        std::uint8_t* out = pixels + (swapped ? 2 - channel : channel);
+        for (std::size_t i = 0; i < count; ++i) {
+            const int sum = std::min(light[i] + settings.background[channel], 0xFFFF);
+            out[4 * i] = static_cast<std::uint8_t>(std::min(sum >> lightShift, 255));
+            light[i] = 0;
+        }
+        light += planeStride;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        pixels[4 * i + 3] = 255;
+    }
+}
+
+} // namespace
+
+const RasterKernels& scalarKernels() {
+    static constexpr RasterKernels kernels{place, blit, resolve};
+    return kernels;
+}
+
+} // namespace starbloom

@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/raster/SpriteAtlas.h"
+
+#include "engine/time/Trigonometry.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace starbloom {
+
+namespace {
+
+constexpr int eighthSteps = 128;      // Sizes below 16 pixels.
+constexpr int firstOctaveBits = 8384; // The bits of 16.0F above the 6 leading ones of the mantissa.
+
+int sizeIndex(float size) {
+    if (size < 16.0F) {
+        return static_cast<int>(size * 8.0F + 0.5F);
+    }
+    // The exponent and the six leading bits of the mantissa count the steps; adding half a step rounds.
+    const auto bits = std::bit_cast<std::uint32_t>(std::min(size, SpriteAtlas::largestSize));
+    return eighthSteps + static_cast<int>((bits + (1U << 16U)) >> 17U) - firstOctaveBits;
+}
+
+double sizeOfIndex(int index) {
+    if (index < eighthSteps) {
+        return index / 8.0;
+    }
+    const int step = index - eighthSteps;
+    return static_cast<double>(1 << (4 + step / 64)) * (1.0 + (step % 64) / 64.0);
+}
+
+/// The integral, from far left up to x, of a triangle of radius 1 and area 1 around 0: linear interpolation between the
+/// pixels of an image, collected over an interval.
+double triangleIntegral(double x) {
+    if (x <= -1.0) {
+        return 0.0;
+    }
+    if (x >= 1.0) {
+        return 1.0;
+    }
+    return x < 0.0 ? 0.5 * (x + 1.0) * (x + 1.0) : 1.0 - 0.5 * (1.0 - x) * (1.0 - x);
+}
+
+/// How much each pixel of a line of an image counts for one pixel of a sprite.
+struct Taps {
+    int first = 0;
+    std::vector<double> weights;
+};
+
+/// The taps of all `count` pixels of a sprite from pixel `first` on, for an image of `imagePixels` pixels drawn `size`
+/// pixels long around `centre`. Light is averaged over each pixel's area, so a spark keeps its energy at any size and
+/// wherever it lies between pixels.
+std::vector<Taps> tapsFor(int first, int count, int imagePixels, double size, double centre) {
+    std::vector<Taps> all(static_cast<std::size_t>(count));
+    const double step = imagePixels / size;
+    for (int i = 0; i < count; ++i) {
+        const double from = (first + i - centre + size / 2.0) * step;
+        const double to = from + step;
+        const int begin = std::clamp(static_cast<int>(std::floor(from - 1.5)), 0, imagePixels);
+        const int end = std::clamp(static_cast<int>(std::ceil(to + 1.5)), 0, imagePixels);
+        Taps& taps = all[static_cast<std::size_t>(i)];
+        taps.first = begin;
+        for (int k = begin; k < end; ++k) {
+            taps.weights.push_back((triangleIntegral(to - (k + 0.5)) - triangleIntegral(from - (k + 0.5))) / step);
+        }
+    }
+    return all;
+}
+
+float lightAt(const SparkImage& image, int x, int y) {
+    const bool inside = x >= 0 && y >= 0 && x < image.width && y < image.height;
+    return inside ? image.light[static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
+                                static_cast<std::size_t>(x)]
+                  : 0.0F;
+}
+
+double interpolate(const SparkImage& image, double x, double y) {
+    const double left = std::floor(x - 0.5);
+    const double top = std::floor(y - 0.5);
+    const double u = x - 0.5 - left;
+    const double v = y - 0.5 - top;
+    const int ix = static_cast<int>(left);
+    const int iy = static_cast<int>(top);
+    const double upper = lightAt(image, ix, iy) * (1.0 - u) + lightAt(image, ix + 1, iy) * u;
+    const double lower = lightAt(image, ix, iy + 1) * (1.0 - u) + lightAt(image, ix + 1, iy + 1) * u;
+    return upper * (1.0 - v) + lower * v;
+}
+
+/// The image turned counter-clockwise about its centre, in a square that holds it at any angle.
+SparkImage rotated(const SparkImage& image, double angle) {
+    const auto turn = sineCosine(angle);
+    const double diagonal =
+        std::sqrt(static_cast<double>(image.width) * image.width + static_cast<double>(image.height) * image.height);
+    const int side = static_cast<int>(std::ceil(diagonal));
+    SparkImage result{side, side, image.pixelsPerPoint, {}};
+    result.light.reserve(static_cast<std::size_t>(side) * static_cast<std::size_t>(side));
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const double dx = x + 0.5 - side / 2.0;
+            const double dy = y + 0.5 - side / 2.0;
+            // Rows run downward, so a turn that is counter-clockwise to the eye is clockwise in these coordinates.
+            const double sourceX = turn.cosine * dx - turn.sine * dy + image.width / 2.0;
+            const double sourceY = turn.sine * dx + turn.cosine * dy + image.height / 2.0;
+            result.light.push_back(static_cast<float>(interpolate(image, sourceX, sourceY)));
+        }
+    }
+    return result;
+}
+
+bool looksTheSameFromAllSides(const SparkImage& image) {
+    if (image.width != image.height) {
+        return false;
+    }
+    // Well above what interpolation costs a smooth image, well below anything that could be seen to turn.
+    constexpr float tolerance = 0.02F;
+    for (const double angle : {std::numbers::pi / 2.0, std::numbers::pi / 4.0, 0.4}) {
+        const SparkImage turned = rotated(image, angle);
+        const double offset = (turned.width - image.width) / 2.0;
+        for (int y = 0; y < image.height; ++y) {
+            for (int x = 0; x < image.width; ++x) {
+                const auto light = static_cast<float>(interpolate(turned, x + 0.5 + offset, y + 0.5 + offset));
+                if (std::abs(light - lightAt(image, x, y)) > tolerance) {
+                    return false;
+                }
+            }
+        }
+    }
+    return true;
+}
+
+/// A sprite before its margins are cut off.
+struct Canvas {
+    int reach;
+    int side;
+    int phases; ///< Per axis.
+    std::vector<std::int16_t> masks;
+
+    Canvas(int reachPixels, int phasesPerAxis)
+        : reach(reachPixels)
+        , side(2 * reachPixels + 1)
+        , phases(phasesPerAxis)
+        , masks(static_cast<std::size_t>(side) * static_cast<std::size_t>(side) * static_cast<std::size_t>(phases) *
+                static_cast<std::size_t>(phases)) {}
+
+    std::int16_t* row(int phase, int y) {
+        return masks.data() +
+               (static_cast<std::size_t>(phase) * static_cast<std::size_t>(side) + static_cast<std::size_t>(y)) *
+                   static_cast<std::size_t>(side);
+    }
+};
+
+/// One pass of the separable resampling: each line of `source` (of `lineLength` values) becomes taps.size() values.
+std::vector<double> resampleLines(const std::vector<double>& source, int lineLength, const std::vector<Taps>& taps) {
+    const std::size_t lines = source.size() / static_cast<std::size_t>(lineLength);
+    std::vector<double> result;
+    result.reserve(lines * taps.size());
+    for (std::size_t line = 0; line < lines; ++line) {
+        const double* values = source.data() + line * static_cast<std::size_t>(lineLength);
+        for (const Taps& tap : taps) {
+            double sum = 0.0;
+            for (std::size_t k = 0; k < tap.weights.size(); ++k) {
+                sum += tap.weights[k] * values[static_cast<std::size_t>(tap.first) + k];
+            }
+            result.push_back(sum);
+        }
+    }
+    return result;
+}
+
+std::vector<double> transposed(const std::vector<double>& values, int lineLength) {
+    const auto width = static_cast<std::size_t>(lineLength);
+    const std::size_t lines = values.size() / width;
+    std::vector<double> result(values.size());
+    for (std::size_t line = 0; line < lines; ++line) {
+        for (std::size_t i = 0; i < width; ++i) {
+            result[i * lines + line] = values[line * width + i];
+        }
+    }
+    return result;
+}
+
+Canvas drawAllPhases(const SparkImage& image, double width, double height, int reach, int phases) {
+    Canvas canvas(reach, phases);
+    const std::vector<double> light(image.light.begin(), image.light.end());
+    for (int px = 0; px < phases; ++px) {
+        const double centreX = static_cast<double>(px) / phases;
+        const auto narrow = transposed(
+            resampleLines(light, image.width, tapsFor(-reach, canvas.side, image.width, width, centreX)), canvas.side);
+        for (int py = 0; py < phases; ++py) {
+            const double centreY = static_cast<double>(py) / phases;
+            const auto drawn = transposed(
+                resampleLines(narrow, image.height, tapsFor(-reach, canvas.side, image.height, height, centreY)),
+                canvas.side);
+            std::ranges::transform(drawn, canvas.row(py * phases + px, 0), [](double value) {
+                return static_cast<std::int16_t>(std::min(value, 1.0) * 32767.0 + 0.5);
+            });
+        }
+    }
+    return canvas;
+}
+
+/// The smallest box that holds all light of all phases; empty boxes have right < left.
+struct Box {
+    int left;
+    int top;
+    int right = -1;
+    int bottom = -1;
+};
+
+Box lightBox(Canvas& canvas) {
+    Box box{canvas.side, canvas.side};
+    for (int phase = 0; phase < canvas.phases * canvas.phases; ++phase) {
+        for (int y = 0; y < canvas.side; ++y) {
+            const std::int16_t* row = canvas.row(phase, y);
+            for (int x = 0; x < canvas.side; ++x) {
+                if (row[x] != 0) {
+                    box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x),
+                           std::max(box.bottom, y)};
+                }
+            }
+        }
+    }
+    return box;
+}
+
+} // namespace
+
+SpriteAtlas::SpriteAtlas(std::shared_ptr<const SparkImage> image)
+    : m_image(std::move(image))
+    , m_sizeInPoints(static_cast<float>(std::max(m_image->width, m_image->height) / m_image->pixelsPerPoint))
+    , m_angles(looksTheSameFromAllSides(*m_image) ? 1 : angleCount)
+    , m_sets(static_cast<std::size_t>(m_angles) * sizeCount) {}
+
+int SpriteAtlas::keyFor(float size, float rotation) const {
+    const int index = sizeIndex(size);
+    if (m_angles == 1) {
+        return index;
+    }
+    const float turns = rotation * static_cast<float>(0.5 / std::numbers::pi);
+    const float turn = turns - std::floor(turns);
+    return (static_cast<int>(turn * angleCount + 0.5F) % angleCount) * sizeCount + index;
+}
+
+int SpriteAtlas::reachOf(int key) {
+    // A turned image can be as long as its diagonal; the phase and the pixel's own extent add one each.
+    return static_cast<int>(std::ceil(sizeOfIndex(key % sizeCount) * 0.7072)) + 2;
+}
+
+int SpriteAtlas::phaseShiftOf(int key) {
+    const double size = sizeOfIndex(key % sizeCount);
+    return size < 32.0 ? 0 : size < 64.0 ? 1 : size < 128.0 ? 2 : 3;
+}
+
+std::unique_ptr<SpriteSet> SpriteAtlas::make(int key) const {
+    auto set = std::make_unique<SpriteSet>();
+    set->phaseShift = phaseShiftOf(key);
+    const double size = sizeOfIndex(key % sizeCount);
+    if (size == 0.0) {
+        return set;
+    }
+    const int angle = key / sizeCount;
+    const SparkImage turned = angle == 0 ? *m_image : rotated(*m_image, angle * 2.0 * std::numbers::pi / angleCount);
+    const double zoom = size / std::max(m_image->width, m_image->height);
+    const int phases = finestPhases >> set->phaseShift;
+    Canvas canvas = drawAllPhases(turned, turned.width * zoom, turned.height * zoom, reachOf(key), phases);
+    const Box box = lightBox(canvas);
+    if (box.right < box.left) {
+        return set;
+    }
+    const int width = box.right - box.left + 1;
+    set->left = box.left - canvas.reach;
+    set->top = box.top - canvas.reach;
+    set->rows = box.bottom - box.top + 1;
+    set->stride = (width + SpriteSet::laneMultiple - 1) / SpriteSet::laneMultiple * SpriteSet::laneMultiple;
+    set->masks.reserve(static_cast<std::size_t>(phases * phases) * static_cast<std::size_t>(set->rows * set->stride));
+    for (int phase = 0; phase < phases * phases; ++phase) {
+        for (int y = box.top; y <= box.bottom; ++y) {
+            const std::int16_t* row = canvas.row(phase, y) + box.left;
+            set->masks.insert(set->masks.end(), row, row + width);
+            set->masks.insert(set->masks.end(), static_cast<std::size_t>(set->stride - width), 0);
+        }
+    }
+    return set;
+}
+
+void SpriteAtlas::install(int key, std::unique_ptr<SpriteSet> set) {
+    m_bytes += set->masks.size() * sizeof(std::int16_t);
+    m_sets[static_cast<std::size_t>(key)] = std::move(set);
+}
+
+void SpriteAtlas::clear() {
+    for (auto& set : m_sets) {
+        set.reset();
+    }
+    m_bytes = 0;
+}
+
+} // namespace starbloom

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/Color.h"
+#include "engine/model/SparkImage.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace starbloom {
+
+/// What all sparks of a batch have in common: the numbers of their cell at the time of their births.
+struct SparkLaw {
+    int cell = 0;          ///< Index in the EmitterPlan.
+    float lifetime = 0.0F; ///< Seconds.
+    float yAcceleration = 0.0F;
+    float scaleSpeed = 0.0F;
+    float spin = 0.0F; ///< Radians per second.
+    Color colorSpeed;  ///< Change per second of each channel.
+    std::shared_ptr<const SparkImage> image;
+};
+
+/// A spark at birth. Everything later follows from it and the law in closed form.
+struct SparkBirth {
+    double time = 0.0; ///< In the layer's own time.
+    float x = 0.0F;    ///< Points from the stage's bottom left corner, y upward.
+    float y = 0.0F;
+    float velocityX = 0.0F;
+    float velocityY = 0.0F;
+    float scale = 1.0F;
+    Color color; ///< Not limited to 0..1.
+};
+
+/// A spark at one moment.
+struct SparkState {
+    float age = 0.0F;
+    float x = 0.0F;
+    float y = 0.0F;
+    float scale = 0.0F;    ///< 0 or more.
+    float rotation = 0.0F; ///< Radians, counter-clockwise.
+    Color color;           ///< Each channel within 0..1.
+};
+
+/// Drawn particles that share a law, each column in an array of its own so that renderers read them in whole vectors.
+/// May hold sparks that have died since the last sweep.
+class SparkBatch {
+public:
+    explicit SparkBatch(SparkLaw law)
+        : m_law(std::move(law)) {}
+
+    const SparkLaw& law() const { return m_law; }
+
+    std::size_t size() const { return time.size(); }
+
+    void append(const SparkBirth& birth);
+
+    /// Drops the sparks that are dead at that time, for good; the order of the others stays.
+    void sweep(double now);
+
+    /// The spark at a moment; nothing when it is not yet born or already dead.
+    std::optional<SparkState> stateAt(std::size_t index, double now) const;
+
+    /// How old a spark is, in the precision that decides whether it lives.
+    static float age(double birth, double now) { return static_cast<float>(now - birth); }
+
+    std::vector<double> time;
+    std::vector<float> x, y, velocityX, velocityY, scale, red, green, blue, alpha;
+
+private:
+    SparkLaw m_law;
+};
+
+} // namespace starbloom

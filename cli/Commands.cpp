@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/Commands.h"
+
+#include "base/PendingFile.h"
+#include "cli/FramePipeline.h"
+#include "cli/Interruption.h"
+#include "engine/model/FireworksTree.h"
+#include "export/movie/MovieWriter.h"
+#include "export/picture/PngCodec.h"
+
+#include <oneapi/tbb/global_control.h>
+#include <oneapi/tbb/info.h>
+#include <oneapi/tbb/task_arena.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <tuple>
+
+namespace starbloom {
+
+namespace {
+
+/// Bytes that the system says it can still give; 0 when it does not say.
+std::uint64_t availableMemory() {
+    std::ifstream file("/proc/meminfo");
+    std::string name;
+    std::uint64_t kibibytes = 0;
+    std::string unit;
+    while (file >> name >> kibibytes >> unit) {
+        if (name == "MemAvailable:") {
+            return kibibytes * 1024;
+        }
+    }
+    return 0;
+}
+
+/// Refuses sizes that would end in the middle for want of memory.
+Result<void> checkMemory(const Options& options, int threads) {
+    const auto pixels = static_cast<std::uint64_t>(options.width) * static_cast<std::uint64_t>(options.height);
+    // Frames on their way at four bytes a pixel; a picture once more while it is packed; and what an encoder keeps back
+    // of a movie, about a hundred frames of one and a half bytes.
+    std::uint64_t perPixel = 8;
+    if (options.kind == OutputKind::Movie) {
+        perPixel = 4 * static_cast<std::uint64_t>(threads + 2) + 150;
+    } else if (options.kind == OutputKind::Frames) {
+        perPixel = 8 * static_cast<std::uint64_t>(threads + 2);
+    }
+    const std::uint64_t available = availableMemory();
+    const std::uint64_t needed = pixels * perPixel;
+    if (available == 0 || needed <= available) {
+        return {};
+    }
+    return Error{"--size: " + std::to_string(options.width) + "x" + std::to_string(options.height) + " needs about " +
+                 std::to_string(needed >> 20U) + " MiB of memory, and " + std::to_string(available >> 20U) +
+                 " MiB are free"};
+}
+
+ExitStatus failed(ExitStatus status, const Error& error) {
+    printError(error);
+    return status;
+}
+
+/// The end of a run that made or should have made files.
+ExitStatus finished(const Result<void>& result) {
+    if (!result) {
+        return failed(WriteFailed, result.error());
+    }
+    if (interrupted()) {
+        return failed(Interrupted, {"interrupted; nothing unfinished is left behind"});
+    }
+    return Done;
+}
+
+ExitStatus makePicture(const Options& options) {
+    auto file = PendingFile::create(options.output);
+    if (!file) {
+        return failed(BadInput, file.error());
+    }
+    ImageBuffer image(options.width, options.height);
+    FrameRenderer(options).render(options.at, image);
+    const auto png = encodePng(image);
+    if (!png) {
+        return failed(WriteFailed, png.error());
+    }
+    if (interrupted()) {
+        return finished({});
+    }
+    auto written = file.value().write(png.value());
+    return finished(written ? file.value().commit() : written);
+}
+
+ExitStatus makeMovie(const Options& options, int threads) {
+    auto writer =
+        MovieWriter::create(options.output, {options.width, options.height, options.framesPerSecond, threads});
+    if (!writer) {
+        return failed(BadInput, writer.error());
+    }
+    const auto added = runFrames(options, SinkCalls::InOrder, [&](std::int64_t, const ImageBuffer& image) {
+        return writer.value().addFrame(image);
+    });
+    return finished(added && !interrupted() ? writer.value().finish() : added);
+}
+
+ExitStatus makeFrames(const Options& options) {
+    // A folder that cannot be written to is told before any work is done.
+    if (auto probe = PendingFile::create(options.framePath(0)); !probe) {
+        return failed(BadInput, probe.error());
+    }
+    return finished(runFrames(options, SinkCalls::Together, [&](std::int64_t frame, const ImageBuffer& image) {
+        const auto png = encodePng(image);
+        return png ? writeFile(options.framePath(frame), png.value()) : Result<void>(png.error());
+    }));
+}
+
+template <typename Number>
+void appendNumber(std::string& text, Number number) {
+    std::array<char, 40> digits{};
+    const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+    text.append(digits.data(), end);
+}
+
+/// Standard output can fail too: a full disk, a closed pipe.
+ExitStatus print(const std::string& text) {
+    const bool complete = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    return complete ? Done : failed(WriteFailed, {"cannot write to standard output"});
+}
+
+ExitStatus printParticles(const Options& options) {
+    struct Row {
+        int cell;
+        double birth;
+        SparkState state;
+    };
+
+    FrameRenderer renderer(options);
+    const Simulation& simulation = renderer.particlesAt(options.at);
+    std::vector<Row> rows;
+    for (const SparkBatch& batch : simulation.sparks()) {
+        for (std::size_t i = 0; i < batch.size(); ++i) {
+            if (const auto state = batch.stateAt(i, simulation.time())) {
+                rows.push_back({batch.law().cell, batch.time[i], *state});
+            }
+        }
+    }
+    std::ranges::sort(rows, {},
+                      [](const Row& row) { return std::tuple(row.cell, row.birth, row.state.x, row.state.y); });
+    std::string text = "cell,birth,age,x,y,scale,rotation,r,g,b,a\n";
+    for (const auto& [cell, birth, state] : rows) {
+        text += fireworksCellLabels.at(static_cast<std::size_t>(cell));
+        text += ',';
+        appendNumber(text, birth);
+        for (const float value : {state.age, state.x, state.y, state.scale, state.rotation, state.color.red,
+                                  state.color.green, state.color.blue, state.color.alpha}) {
+            text += ',';
+            appendNumber(text, value);
+        }
+        text += '\n';
+    }
+    return print(text);
+}
+
+ExitStatus printParameters() {
+    std::string text;
+    std::array<char, 256> line{};
+    const auto addLine = [&](const char* name, const char* range, const char* reset, const std::string& effect) {
+        std::snprintf(line.data(), line.size(), "%-22s  %-10s  %5s  ", name, range, reset);
+        text += line.data() + effect + "\n";
+    };
+    addLine("NAME", "RANGE", "RESET", "WHAT IT DOES");
+    for (const ParameterRow& row : parameterTable) {
+        std::array<char, 32> range{};
+        std::snprintf(range.data(), range.size(), "%g..%g", static_cast<double>(row.minimum),
+                      static_cast<double>(row.maximum));
+        addLine(std::string(row.name).c_str(), range.data(), std::to_string(row.resetPosition).c_str(),
+                std::string(row.effect));
+    }
+    return print(text);
+}
+
+} // namespace
+
+void printError(const Error& error) {
+    std::string line = error.message;
+    std::ranges::replace(line, '\n', ' ');
+    std::fprintf(stderr, "starbloom-render: %s\n", line.c_str());
+}
+
+ExitStatus runCommand(const Options& options) {
+    if (!options.quiet) {
+        for (const std::string& warning : options.warnings) {
+            printError({warning});
+        }
+    }
+    const int threads = options.threads > 0 ? options.threads : oneapi::tbb::info::default_concurrency();
+    if (options.kind == OutputKind::Message) {
+        return print(options.message);
+    }
+    if (options.kind == OutputKind::ParameterList) {
+        return printParameters();
+    }
+    if (auto fits = checkMemory(options, threads); !fits) {
+        return failed(BadInput, fits.error());
+    }
+    // The limit lets an arena have more threads than the machine has cores, which by itself it would not.
+    const oneapi::tbb::global_control limit(oneapi::tbb::global_control::max_allowed_parallelism,
+                                            static_cast<std::size_t>(threads));
+    oneapi::tbb::task_arena arena(threads);
+    return arena.execute([&] {
+        switch (options.kind) {
+        case OutputKind::Movie:
+            return makeMovie(options, threads);
+        case OutputKind::Frames:
+            return makeFrames(options);
+        case OutputKind::ParticleTable:
+            return printParticles(options);
+        default:
+            return makePicture(options);
+        }
+    });
+}
+
+} // namespace starbloom

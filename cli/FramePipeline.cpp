@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/FramePipeline.h"
+
+#include "cli/Interruption.h"
+#include "cli/Progress.h"
+#include "cli/ShowBuilder.h"
+#include "export/movie/MovieTiming.h"
+
+#include <oneapi/tbb/concurrent_queue.h>
+#include <oneapi/tbb/parallel_pipeline.h>
+#include <oneapi/tbb/task_arena.h>
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace starbloom {
+
+namespace {
+
+/// A frame on its way from the renderer to the sink.
+struct Job {
+    std::int64_t frame = 0;
+    ImageBuffer* image = nullptr;
+};
+
+/// The first failure of several threads.
+class FirstFailure {
+public:
+    void note(const Error& error) {
+        const std::scoped_lock lock(m_mutex);
+        if (!m_error) {
+            m_error = error;
+        }
+        m_failed = true;
+    }
+
+    bool happened() const { return m_failed; }
+
+    Result<void> result() const { return m_error ? Result<void>(*m_error) : Result<void>(); }
+
+private:
+    std::mutex m_mutex;
+    std::optional<Error> m_error;
+    std::atomic<bool> m_failed = false;
+};
+
+} // namespace
+
+FrameRenderer::FrameRenderer(const Options& options)
+    : m_speed(1.0)
+    , m_background(options.background)
+    , m_player([&] {
+        RequestedShow requested = buildShow(options);
+        m_speed = requested.speed;
+        return std::move(requested.show);
+    }()) {}
+
+const Simulation& FrameRenderer::particlesAt(double seconds) {
+    return m_player.at(seconds * m_speed);
+}
+
+void FrameRenderer::render(double seconds, ImageBuffer& image) {
+    const Simulation& simulation = particlesAt(seconds);
+    m_renderer.render(simulation.sparks(), {seconds * m_speed, 1.0, m_background}, RasterTarget::of(image));
+}
+
+Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink& sink) {
+    namespace tbb = oneapi::tbb;
+    const std::int64_t total = options.frameCount();
+    const auto inFlight = static_cast<std::size_t>(tbb::this_task_arena::max_concurrency()) + 2;
+    std::vector<ImageBuffer> images(inFlight);
+    tbb::concurrent_queue<ImageBuffer*> idle;
+    for (ImageBuffer& image : images) {
+        image = ImageBuffer(options.width, options.height);
+        idle.push(&image);
+    }
+    FrameRenderer renderer(options);
+    Progress progress(total, options.quiet);
+    FirstFailure failure;
+    std::int64_t next = 0;
+
+    const auto render = [&](tbb::flow_control& flow) -> Job {
+        Job job{next++, nullptr};
+        if (job.frame >= total || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
+            flow.stop();
+            return {};
+        }
+        const double seconds = options.from + frameTime(job.frame, options.framesPerSecond);
+        // Without the isolation this thread, while it waits for help within a frame, could start on a sink.
+        tbb::this_task_arena::isolate([&] { renderer.render(seconds, *job.image); });
+        return job;
+    };
+    const auto deliver = [&](Job job) -> Job {
+        if (!failure.happened()) {
+            if (auto delivered = sink(job.frame, *job.image); !delivered) {
+                failure.note(delivered.error());
+            }
+        }
+        return job;
+    };
+    std::int64_t done = 0;
+    const auto recycle = [&](Job job) {
+        idle.push(job.image);
+        progress.update(++done);
+    };
+    const auto deliveryMode =
+        calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;
+    tbb::parallel_pipeline(inFlight, tbb::make_filter<void, Job>(tbb::filter_mode::serial_in_order, render) &
+                                         tbb::make_filter<Job, Job>(deliveryMode, deliver) &
+                                         tbb::make_filter<Job, void>(tbb::filter_mode::serial_in_order, recycle));
+    return failure.result();
+}
+
+} // namespace starbloom

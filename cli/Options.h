@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/Color.h"
+#include "base/Result.h"
+#include "engine/panel/ParameterPanel.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace starbloom {
+
+/// What comes out of a run.
+enum class OutputKind {
+    Picture,       ///< One PNG.
+    Movie,         ///< H.264 in MPEG-4.
+    Frames,        ///< Numbered PNGs.
+    ParticleTable, ///< CSV on standard output.
+    ParameterList, ///< Text on standard output.
+    Message,       ///< The text in Options::message on standard output: help, or the version.
+};
+
+/// A checked command line: every number lies within its range, and the output can be told from the rest.
+struct Options {
+    OutputKind kind = OutputKind::Picture;
+    std::filesystem::path output; ///< For frames: a name with one %d in it, such as frame%05d.png.
+    std::string message;
+
+    double at = 5.0;   ///< Seconds into the show of a picture or particle table.
+    double from = 0.0; ///< Seconds into the show of the first frame.
+    double seconds = 10.0;
+    int framesPerSecond = 30;
+    int width = 640; ///< Pixels, which are points.
+    int height = 480;
+    std::uint64_t seed = 1;
+    double fadeIn = 0.0; ///< Seconds; 0 for none.
+    Color background{0.0F, 0.0F, 0.0F, 1.0F};
+    PositionPanel positions;
+    int threads = 0; ///< 0: as many as the machine has.
+    bool quiet = false;
+
+    /// Things that are probably a mistake but harm nothing, each one line.
+    std::vector<std::string> warnings;
+
+    std::int64_t frameCount() const;
+
+    /// The file of one frame of a numbered series.
+    std::filesystem::path framePath(std::int64_t frame) const;
+};
+
+/// Reads a command line, the program's own name not included. An Error is one line that says what is wrong and how it
+/// should be.
+Result<Options> parseOptions(std::span<const std::string> arguments);
+
+} // namespace starbloom

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "cli/Options.h"
+#include "engine/time/Show.h"
+
+namespace starbloom {
+
+/// The show that a command line asks for, in the layer's own time.
+struct RequestedShow {
+    Show show;
+    double speed = 1.0; ///< Layer seconds per second as the viewer counts.
+};
+
+/// Applies the options' positions to a freshly built tree, as the sliders of the application would, and lays the climb
+/// of --fade-in over the show's time.
+RequestedShow buildShow(const Options& options);
+
+} // namespace starbloom

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <optional>
 #include <regex>
+#include <tuple>
 
 namespace starbloom {
 
@@ -20,13 +21,22 @@ namespace {
 constexpr int largestSide = 65536;
 constexpr int largestMovieSide = 16384; // What H.264 encoders take.
 constexpr double longestShow = 1.0e6;   // Seconds: eleven days.
+constexpr double longestFadeIn = 3600.0;
 constexpr int largestRate = 240;
+constexpr int mostThreads = 1024;
 
 /// The arguments as they were typed, before they are looked at more closely.
 struct RawOptions {
     std::string output;
     std::string size = "640x480";
     std::string background = "000000";
+    std::string at = "5";
+    std::string from = "0";
+    std::string seconds = "10";
+    std::string framesPerSecond = "30";
+    std::string seed = "1";
+    std::string fadeIn = "0";
+    std::string threads = "0";
     std::vector<std::string> settings;
     bool particles = false;
     bool listParameters = false;
@@ -54,6 +64,42 @@ std::string brief(double number) {
     std::array<char, 32> text{};
     const int length = std::snprintf(text.data(), text.size(), "%.7g", number);
     return {text.data(), static_cast<std::size_t>(length)};
+}
+
+/// Reads the number of an option, which must lie within a range.
+template <typename Number>
+Result<void> parseInRange(const char* option, const std::string& text, Number lowest, Number highest, Number& number) {
+    const auto parsed = parseNumber<Number>(text);
+    if (!parsed || *parsed < lowest || *parsed > highest) {
+        const char* kind = std::is_integral_v<Number> ? "a whole number" : "a number";
+        std::string range = "to " + std::to_string(highest);
+        if constexpr (std::is_floating_point_v<Number>) {
+            range = "to " + brief(highest);
+        }
+        return Error{std::string(option) + " takes " + kind + " from " + std::to_string(static_cast<int>(lowest)) +
+                     " " + range + ", not '" + text + "'"};
+    }
+    number = *parsed;
+    return {};
+}
+
+Result<void> parseNumbers(const RawOptions& raw, Options& options) {
+    for (const auto& [option, text, highest, number] :
+         {std::tuple("--at", &raw.at, longestShow, &options.at),
+          std::tuple("--from", &raw.from, longestShow, &options.from),
+          std::tuple("--seconds", &raw.seconds, longestShow, &options.seconds),
+          std::tuple("--fade-in", &raw.fadeIn, longestFadeIn, &options.fadeIn)}) {
+        if (auto parsed = parseInRange(option, *text, 0.0, highest, *number); !parsed) {
+            return parsed;
+        }
+    }
+    if (auto fps = parseInRange("--fps", raw.framesPerSecond, 1, largestRate, options.framesPerSecond); !fps) {
+        return fps;
+    }
+    if (auto threads = parseInRange("--threads", raw.threads, 0, mostThreads, options.threads); !threads) {
+        return threads;
+    }
+    return parseInRange<std::uint64_t>("--seed", raw.seed, 0, ~std::uint64_t{0}, options.seed);
 }
 
 Result<void> parseSize(const std::string& text, Options& options) {
@@ -144,25 +190,7 @@ Result<void> tellKind(const RawOptions& raw, Options& options) {
     return {};
 }
 
-Result<void> check(const Options& options) {
-    const auto outside = [](double value, double lowest, double highest) {
-        return !(value >= lowest && value <= highest);
-    };
-    if (outside(options.at, 0.0, longestShow) || outside(options.from, 0.0, longestShow)) {
-        return Error{"--at and --from take seconds from 0 to " + brief(longestShow)};
-    }
-    if (outside(options.seconds, 0.0, longestShow)) {
-        return Error{"--seconds takes a length from 0 to " + brief(longestShow)};
-    }
-    if (outside(options.framesPerSecond, 1, largestRate)) {
-        return Error{"--fps takes a whole number from 1 to " + std::to_string(largestRate)};
-    }
-    if (outside(options.fadeIn, 0.0, 3600.0)) {
-        return Error{"--fade-in takes seconds from 0 to 3600"};
-    }
-    if (outside(options.threads, 0, 1024)) {
-        return Error{"--threads takes a number from 1 to 1024, or 0 for all that the machine has"};
-    }
+Result<void> checkTogether(const Options& options) {
     const bool manyFrames = options.kind == OutputKind::Movie || options.kind == OutputKind::Frames;
     if (manyFrames && options.frameCount() < 1) {
         return Error{"--seconds " + brief(options.seconds) + " at --fps " + std::to_string(options.framesPerSecond) +
@@ -191,18 +219,18 @@ void declare(CLI::App& app, RawOptions& raw, Options& options) {
     app.add_option("OUTPUT", raw.output,
                    "What to make: NAME.png, NAME.m4v or NAME.mp4, or NAME%05d.png for numbered frames");
     app.add_option("--size", raw.size, "Size of the stage in pixels (default 640x480)")->type_name("WxH");
-    app.add_option("--at", options.at, "Moment of a picture or of --particles (default 5)")->type_name("SECONDS");
-    app.add_option("--from", options.from, "Moment of the first frame (default 0)")->type_name("SECONDS");
-    app.add_option("--seconds", options.seconds, "Length of a movie or of frames (default 10)")->type_name("SECONDS");
-    app.add_option("--fps", options.framesPerSecond, "Frames per second, 1 to 240 (default 30)")->type_name("N");
-    app.add_option("--seed", options.seed, "Another number gives another show (default 1)")->type_name("N");
+    app.add_option("--at", raw.at, "Moment of a picture or of --particles (default 5)")->type_name("SECONDS");
+    app.add_option("--from", raw.from, "Moment of the first frame (default 0)")->type_name("SECONDS");
+    app.add_option("--seconds", raw.seconds, "Length of a movie or of frames (default 10)")->type_name("SECONDS");
+    app.add_option("--fps", raw.framesPerSecond, "Frames per second, 1 to 240 (default 30)")->type_name("N");
+    app.add_option("--seed", raw.seed, "Another number gives another show (default 1)")->type_name("N");
     app.add_option("--set", raw.settings, "Moves one of the fourteen parameters; may be given again for others")
         ->type_name("NAME=POSITION")
         ->allow_extra_args(false);
-    app.add_option("--fade-in", options.fadeIn, "Lets the rocket rate climb from --from on, for about so long")
+    app.add_option("--fade-in", raw.fadeIn, "Lets the rocket rate climb from --from on, for about so long")
         ->type_name("SECONDS");
     app.add_option("--background", raw.background, "Colour behind the show (default 000000)")->type_name("RRGGBB");
-    app.add_option("--threads", options.threads, "How many threads to use (default: all)")->type_name("N");
+    app.add_option("--threads", raw.threads, "How many threads to use (default: all)")->type_name("N");
     app.add_flag("--quiet", options.quiet, "Only speaks of errors");
     app.add_flag("--particles", raw.particles,
                  "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file");
@@ -254,6 +282,9 @@ Result<Options> parseOptions(std::span<const std::string> arguments) {
         options.message = "starbloom-render " STARBLOOM_VERSION "\n";
         return options;
     }
+    if (auto numbers = parseNumbers(raw, options); !numbers) {
+        return numbers.error();
+    }
     if (auto size = parseSize(raw.size, options); !size) {
         return size.error();
     }
@@ -268,7 +299,7 @@ Result<Options> parseOptions(std::span<const std::string> arguments) {
     if (auto kind = tellKind(raw, options); !kind) {
         return kind.error();
     }
-    if (auto checked = check(options); !checked) {
+    if (auto checked = checkTogether(options); !checked) {
         return checked.error();
     }
     warnAboutIdleOptions(app, options);

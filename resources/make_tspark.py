@@ -24,8 +24,8 @@ def light(r):
     """Light at a distance from the centre; 1 is the middle of an edge."""
     if r >= 1.0:
         return 0.0
-    core = 0.70 * math.exp(-((r / 0.08) ** 2))
-    halo = 0.24 * math.exp(-r / 0.10)
+    core = 0.62 * math.exp(-((r / 0.09) ** 2))
+    halo = 0.34 * math.exp(-r / 0.13)
     glow = 0.04 * math.exp(-r / 0.26)
     # Led down to exactly nothing at the edge: otherwise crowds of sparks would show their squares.
     fade = (1.0 - r * r) ** 2

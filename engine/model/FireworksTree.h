@@ -10,11 +10,12 @@
 namespace starbloom {
 
 /// The stage that the tree is built for; the launch point is recomputed for others when the sliders are applied.
-constexpr Size defaultStageSize{640.0, 480.0};
+inline constexpr Size defaultStageSize{640.0, 480.0};
 
 /// What the five cells are called in tables and listings, in depth-first order of the tree. The trail and the spark
 /// cell have no name of their own in the model.
-constexpr std::array<std::string_view, 5> fireworksCellLabels{"rocket", "trail", "firework", "preSpark", "spark"};
+inline constexpr std::array<std::string_view, 5> fireworksCellLabels{"rocket", "trail", "firework", "preSpark",
+                                                                     "spark"};
 
 /// Fills a layer with the show: rockets that leave a trail, burst into a "firework" and carry a "preSpark" whose sparks
 /// flicker. `image` is shared by the cells that draw; null leaves them invisible while the emitter still runs.

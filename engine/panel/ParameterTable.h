@@ -47,7 +47,7 @@ struct ParameterRow {
 
 /// The ranges are chosen so that each end is a show of its own and none is an empty stage, at 640 x 480 points with all
 /// other sliders at their reset positions.
-constexpr std::array<ParameterRow, parameterCount> parameterTable{{
+inline constexpr std::array<ParameterRow, parameterCount> parameterTable{{
     {Parameter::RocketHeight, "rocketHeightSlider", "yPosition", 5, 0.0F, 8.0F, 10.0, -50.0, "% of height",
      "Launch height",
      "where rockets start: 5 is the bottom edge, below it they start under the stage, above it inside"},

@@ -32,12 +32,13 @@ void CommandChunk::appendCommands(const PlacedSparks& placed, std::size_t count,
         }
         const int key = atlas.keyFor(placed.size[k], placed.rotation[k]);
         // Positions that the sprite does not tell apart are rounded to the nearest one that it does.
-        const int shift = SpriteAtlas::phaseShiftOf(key);
-        const int x8 = placed.x8[k] + ((1 << shift) >> 1);
-        const int y8 = placed.y8[k] + ((1 << shift) >> 1);
+        const SpriteAtlas::SizeTraits& traits = SpriteAtlas::traitsOf(key);
+        const int roundUp = (1 << traits.phaseShift) >> 1;
+        const int x8 = placed.x8[k] + roundUp;
+        const int y8 = placed.y8[k] + roundUp;
         const int x = x8 >> 3;
         const int y = y8 >> 3;
-        const int reach = SpriteAtlas::reachOf(key);
+        const int reach = traits.reach;
         if (x + reach < 0 || x - reach >= grid.width() || y + reach < 0 || y - reach >= grid.height()) {
             continue;
         }

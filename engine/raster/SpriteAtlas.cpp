@@ -25,7 +25,7 @@ int sizeIndex(float size) {
     return eighthSteps + static_cast<int>((bits + (1U << 16U)) >> 17U) - firstOctaveBits;
 }
 
-double sizeOfIndex(int index) {
+constexpr double sizeOfIndex(int index) {
     if (index < eighthSteps) {
         return index / 8.0;
     }
@@ -227,7 +227,24 @@ Box lightBox(Canvas& canvas) {
     return box;
 }
 
+constexpr SpriteAtlas::SizeTraits traitsOfIndex(int index) {
+    const double size = sizeOfIndex(index);
+    const int phaseShift = size < 32.0 ? 0 : size < 64.0 ? 1 : size < 128.0 ? 2 : 3;
+    // A turned image can be as long as its diagonal; the rounding up, the phase and the pixel's own extent add one
+    // each.
+    const int reach = static_cast<int>(size * 0.7072) + 3;
+    return {static_cast<float>(size), static_cast<std::int16_t>(reach), static_cast<std::int16_t>(phaseShift)};
+}
+
 } // namespace
+
+constinit const std::array<SpriteAtlas::SizeTraits, SpriteAtlas::sizeCount> SpriteAtlas::sizeTraits = [] {
+    std::array<SizeTraits, sizeCount> all{};
+    for (int i = 0; i < sizeCount; ++i) {
+        all[static_cast<std::size_t>(i)] = traitsOfIndex(i);
+    }
+    return all;
+}();
 
 SpriteAtlas::SpriteAtlas(std::shared_ptr<const SparkImage> image)
     : m_image(std::move(image))
@@ -245,20 +262,11 @@ int SpriteAtlas::keyFor(float size, float rotation) const {
     return (static_cast<int>(turn * angleCount + 0.5F) % angleCount) * sizeCount + index;
 }
 
-int SpriteAtlas::reachOf(int key) {
-    // A turned image can be as long as its diagonal; the phase and the pixel's own extent add one each.
-    return static_cast<int>(std::ceil(sizeOfIndex(key % sizeCount) * 0.7072)) + 2;
-}
-
-int SpriteAtlas::phaseShiftOf(int key) {
-    const double size = sizeOfIndex(key % sizeCount);
-    return size < 32.0 ? 0 : size < 64.0 ? 1 : size < 128.0 ? 2 : 3;
-}
-
 std::unique_ptr<SpriteSet> SpriteAtlas::make(int key) const {
     auto set = std::make_unique<SpriteSet>();
-    set->phaseShift = phaseShiftOf(key);
-    const double size = sizeOfIndex(key % sizeCount);
+    const SizeTraits& traits = traitsOf(key);
+    set->phaseShift = traits.phaseShift;
+    const double size = static_cast<double>(traits.size);
     if (size == 0.0) {
         return set;
     }
@@ -266,7 +274,7 @@ std::unique_ptr<SpriteSet> SpriteAtlas::make(int key) const {
     const SparkImage turned = angle == 0 ? *m_image : rotated(*m_image, angle * 2.0 * std::numbers::pi / angleCount);
     const double zoom = size / std::max(m_image->width, m_image->height);
     const int phases = finestPhases >> set->phaseShift;
-    Canvas canvas = drawAllPhases(turned, turned.width * zoom, turned.height * zoom, reachOf(key), phases);
+    Canvas canvas = drawAllPhases(turned, turned.width * zoom, turned.height * zoom, traits.reach, phases);
     const Box box = lightBox(canvas);
     if (box.right < box.left) {
         return set;

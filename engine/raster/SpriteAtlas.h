@@ -58,11 +58,14 @@ public:
     /// Which sprite serves a size in pixels (of the longer side) and an angle in radians.
     int keyFor(float size, float rotation) const;
 
-    /// How far from its centre's pixel the sprite of a key can reach, in pixels.
-    static int reachOf(int key);
+    /// What follows from a sprite's size alone.
+    struct SizeTraits {
+        float size = 0.0F;           ///< Pixels of the longer side.
+        std::int16_t reach = 0;      ///< How far from its centre's pixel it can reach, in pixels.
+        std::int16_t phaseShift = 0; ///< How many bits of the finest phase it does not tell apart.
+    };
 
-    /// How many bits of the finest phase the sprite of a key does not tell apart.
-    static int phaseShiftOf(int key);
+    static const SizeTraits& traitsOf(int key) { return sizeTraits[static_cast<std::size_t>(key % sizeCount)]; }
 
     /// The sprite of a key; null when it has not been made yet.
     const SpriteSet* find(int key) const { return m_sets[static_cast<std::size_t>(key)].get(); }
@@ -78,6 +81,8 @@ public:
     void clear();
 
 private:
+    static const std::array<SizeTraits, sizeCount> sizeTraits;
+
     std::shared_ptr<const SparkImage> m_image;
     float m_sizeInPoints;
     int m_angles;

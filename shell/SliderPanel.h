@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/panel/ParameterPanel.h"
+
+#include <QWidget>
+
+#include <array>
+
+class QGridLayout;
+class QLabel;
+class QPushButton;
+class QScrollArea;
+
+namespace starbloom {
+
+class ParameterSlider;
+
+/// The fourteen sliders in four groups, each with its name and its value, and the reset button below them.
+///
+/// Scrolls when it is given less height than it needs; its width depends on the font alone, so that a value that grows
+/// a digit moves nothing. Reaches to its right edge with the scroll bar, and keeps the usual margin there otherwise.
+/// Owns its widgets. Lives on the GUI thread.
+class SliderPanel : public QWidget, public ParameterPanel {
+    Q_OBJECT
+
+public:
+    explicit SliderPanel(QWidget* parent = nullptr);
+    ~SliderPanel() override;
+
+    float position(Parameter parameter) const override;
+    void setPosition(Parameter parameter, float position) override;
+    void setEnabled(Parameter parameter, bool enabled) override;
+    void setResetEnabled(bool enabled) override;
+    using QWidget::setEnabled;
+
+signals:
+    /// The user has moved a slider, or put one back.
+    void moved();
+
+    /// The reset button was pressed. Moving the sliders is left to whoever listens.
+    void resetRequested();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Row {
+        QLabel* name = nullptr;
+        ParameterSlider* slider = nullptr;
+        QLabel* value = nullptr;
+    };
+
+    QWidget* makeRows();
+    void addGroup(QGridLayout& grid, const QString& title);
+    void addRow(QGridLayout& grid, const ParameterRow& parameter);
+    void fitWidth();
+
+    const Row& rowOf(Parameter parameter) const { return m_rows[static_cast<std::size_t>(parameter)]; }
+
+    std::array<Row, parameterCount> m_rows;
+    QScrollArea* m_scroll;
+    QPushButton* m_reset;
+};
+
+} // namespace starbloom

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/StageView.h"
+
+#include "engine/model/FireworksTree.h"
+#include "engine/time/EmitterPlan.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QWindow>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <utility>
+
+namespace starbloom {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// QImage keeps a pixel as a number, the renderer as four bytes; here both are the same.
+static_assert(std::endian::native == std::endian::little);
+constexpr auto pictureFormat = QImage::Format_RGB32;
+
+/// Anything that is not a forward motion stands still.
+double clockSpeed(const EmitterLayer& layer) {
+    return std::isfinite(layer.speed) && layer.speed > 0.0F ? static_cast<double>(layer.speed) : 0.0;
+}
+
+/// The pixels that a widget covers. With fractional scale factors its edges may lie between pixels; rounding each edge,
+/// as Qt does for its clipping, makes neighbours meet without a gap.
+QRect coveredPixels(const QRect& widget, const QTransform& toPixels) {
+    const QRectF exact = toPixels.mapRect(QRectF(widget));
+    const QPoint topLeft(qRound(exact.left()), qRound(exact.top()));
+    const QPoint bottomRight(qRound(exact.right()), qRound(exact.bottom()));
+    return {topLeft, QSize(std::max(bottomRight.x() - topLeft.x(), 1), std::max(bottomRight.y() - topLeft.y(), 1))};
+}
+
+} // namespace
+
+std::chrono::nanoseconds StageView::steadyClock() {
+    return std::chrono::steady_clock::now().time_since_epoch();
+}
+
+StageView::StageView(std::uint64_t seed, ClockSource clockSource, QWidget* parent)
+    : QWidget(parent)
+    , m_seed(seed)
+    , m_clockSource(std::move(clockSource)) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setObjectName(QStringLiteral("stage"));
+    setAccessibleName(tr("Fireworks stage"));
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &StageView::showDueFrame);
+}
+
+StageView::~StageView() = default;
+
+Size StageView::size() const {
+    return {static_cast<double>(width()), static_cast<double>(height())};
+}
+
+QSize StageView::sizeHint() const {
+    return {static_cast<int>(defaultStageSize.width), static_cast<int>(defaultStageSize.height)};
+}
+
+QSize StageView::minimumSizeHint() const {
+    return sizeHint() / 4;
+}
+
+void StageView::setRootLayer(std::shared_ptr<const RootLayer> rootLayer) {
+    m_rootLayer = std::move(rootLayer);
+    m_realTime = m_clockSource();
+    m_clock = LayerClock(0.0);
+    m_simulation.reset();
+    readLayer();
+}
+
+void StageView::layerChanged() {
+    if (m_rootLayer == nullptr) {
+        return;
+    }
+    // What has happened so far happened under the old numbers.
+    passTimeUntil(m_clockSource());
+    readLayer();
+}
+
+void StageView::readLayer() {
+    if (m_rootLayer != nullptr && !m_rootLayer->sublayers.empty()) {
+        const EmitterLayer& emitter = *m_rootLayer->sublayers.front();
+        if (m_simulation) {
+            m_simulation->setPlan(EmitterPlan::of(emitter));
+        } else {
+            m_simulation.emplace(m_seed, EmitterPlan::of(emitter));
+        }
+        m_clock.setSpeed(clockSpeed(emitter));
+    }
+    startOrStop();
+    if (!m_playing) {
+        invalidate();
+    }
+}
+
+void StageView::passTimeUntil(std::chrono::nanoseconds moment) {
+    if (moment > m_realTime) {
+        m_clock.advance(moment - m_realTime);
+        m_realTime = moment;
+    }
+    if (m_simulation) {
+        m_simulation->advanceTo(m_clock.time());
+    }
+}
+
+bool StageView::canBeSeen() const {
+    return isVisible() && m_window != nullptr && m_window->isExposed() &&
+           (m_window->windowStates() & Qt::WindowMinimized) == 0;
+}
+
+void StageView::startOrStop() {
+    const bool play = m_clock.speed() > 0.0 && canBeSeen();
+    if (play == m_playing) {
+        return;
+    }
+    m_playing = play;
+    if (play) {
+        restartSchedule();
+    } else {
+        m_timer.stop();
+    }
+}
+
+void StageView::restartSchedule() {
+    if (m_playing) {
+        m_schedule.start(m_clockSource(), m_screen != nullptr ? m_screen->refreshRate() : FrameSchedule::fallbackRate);
+        showDueFrame();
+    }
+}
+
+void StageView::showDueFrame() {
+    const auto now = m_clockSource();
+    if (const auto moment = m_schedule.takeDueFrame(now)) {
+        passTimeUntil(*moment);
+        invalidate();
+    }
+    waitForNextFrame();
+}
+
+void StageView::waitForNextFrame() {
+    // Rounded up: a timer that wakes too early would find nothing to show.
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(m_schedule.untilNextFrame(m_clockSource()));
+    m_timer.start(std::max(wait, 1ms));
+}
+
+void StageView::invalidate() {
+    m_stale = true;
+    if (canBeSeen()) {
+        update();
+    }
+}
+
+void StageView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QTransform toPixels = painter.deviceTransform();
+    const QRect pixels = coveredPixels(rect(), toPixels);
+    if (m_stale || m_picture.size() != pixels.size() || m_pixelsPerPoint != toPixels.m11()) {
+        render(pixels.size(), toPixels.m11());
+    }
+    // Drawn in the screen's own pixels, so that nothing is scaled and no edge lies between two of them.
+    painter.setWorldTransform(QTransform::fromTranslate(pixels.x(), pixels.y()) * toPixels.inverted());
+    painter.drawImage(0, 0, m_picture);
+}
+
+void StageView::render(const QSize& pixels, double pixelsPerPoint) {
+    if (m_picture.size() != pixels) {
+        m_picture = QImage(pixels, pictureFormat);
+    }
+    RasterRenderer::View view;
+    view.time = m_clock.time();
+    view.pixelsPerPoint = pixelsPerPoint;
+    view.background = m_rootLayer != nullptr ? m_rootLayer->backgroundColor : Color{0.0F, 0.0F, 0.0F, 1.0F};
+    const RasterTarget target{m_picture.bits(), static_cast<std::size_t>(m_picture.bytesPerLine()), pixels.width(),
+                              pixels.height(), PixelOrder::Bgra};
+    m_renderer.render(m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{}, view, target);
+    m_pixelsPerPoint = pixelsPerPoint;
+    m_shownTime = view.time;
+    m_stale = false;
+    ++m_renderedFrames;
+}
+
+void StageView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    watchWindow();
+    startOrStop();
+}
+
+void StageView::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    startOrStop();
+}
+
+void StageView::watchWindow() {
+    QWindow* const present = window()->windowHandle();
+    if (m_window == present) {
+        return;
+    }
+    if (m_window != nullptr) {
+        m_window->removeEventFilter(this);
+        m_window->disconnect(this);
+    }
+    m_window = present;
+    if (m_window != nullptr) {
+        m_window->installEventFilter(this);
+        connect(m_window, &QWindow::screenChanged, this, &StageView::followScreen);
+        followScreen(m_window->screen());
+    }
+}
+
+void StageView::followScreen(QScreen* screen) {
+    disconnect(m_rateConnection);
+    m_screen = screen;
+    if (screen != nullptr) {
+        m_rateConnection = connect(screen, &QScreen::refreshRateChanged, this, &StageView::restartSchedule);
+    }
+    restartSchedule();
+}
+
+bool StageView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_window && (event->type() == QEvent::Expose || event->type() == QEvent::WindowStateChange)) {
+        startOrStop();
+        if (canBeSeen()) {
+            nowSeen();
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void StageView::nowSeen() {
+    if (m_stale) {
+        update(); // What has changed unseen; not every desktop asks a window that comes back to draw itself.
+    }
+    if (!m_hasAppeared) {
+        m_hasAppeared = true;
+        emit appeared();
+    }
+}
+
+} // namespace starbloom

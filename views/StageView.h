@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/panel/Stage.h"
+#include "engine/raster/RasterRenderer.h"
+#include "engine/time/LayerClock.h"
+#include "engine/time/Simulation.h"
+#include "views/FrameSchedule.h"
+
+#include <QImage>
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QScreen;
+class QWindow;
+
+namespace starbloom {
+
+/// The stage as a widget: shows a layer tree, in time, drawn on the CPU.
+///
+/// Its coordinates are device-independent pixels from the bottom left corner, and its picture has one pixel for each
+/// pixel of the screen, whatever the scale factor. Resizing shows more or less of the same show.
+///
+/// While time runs and the window can be seen, it is redrawn at the display's rate. While the layer stands still, or
+/// the window is hidden, minimised or not exposed, no timer runs and nothing is drawn. Time goes on unseen: shown
+/// again, the show is where it would have been.
+///
+/// Owns everything it needs but the layer tree, which it shares. Lives on the GUI thread; the renderer below uses the
+/// process's worker threads while a frame is drawn.
+class StageView : public QWidget, public Stage {
+    Q_OBJECT
+
+public:
+    /// A reading of a clock that never goes back.
+    using ClockSource = std::function<std::chrono::nanoseconds()>;
+
+    static std::chrono::nanoseconds steadyClock();
+
+    /// The seed decides the show, see Simulation.
+    explicit StageView(std::uint64_t seed, ClockSource clockSource = steadyClock, QWidget* parent = nullptr);
+    ~StageView() override;
+
+    /// The stage in points. Hides the widget's own size(), which says the same in whole numbers.
+    Size size() const override;
+
+    void setRootLayer(std::shared_ptr<const RootLayer> rootLayer) override;
+    void layerChanged() override;
+
+    /// The picture shown last, in pixels of the screen.
+    const QImage& picture() const { return m_picture; }
+
+    /// How many pictures have been drawn so far.
+    std::uint64_t renderedFrames() const { return m_renderedFrames; }
+
+    /// The moment shown last, in the layer's own time (seconds).
+    double shownTime() const { return m_shownTime; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+signals:
+    /// The stage is on the screen for the first time, and has the size that its window was given there.
+    void appeared();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void watchWindow();
+    void followScreen(QScreen* screen);
+    bool canBeSeen() const;
+    void nowSeen();
+    void startOrStop();
+    void restartSchedule();
+    void showDueFrame();
+    void waitForNextFrame();
+    void passTimeUntil(std::chrono::nanoseconds moment);
+    void readLayer();
+    void invalidate();
+    void render(const QSize& pixels, double pixelsPerPoint);
+
+    const std::uint64_t m_seed;
+    ClockSource m_clockSource;
+    std::shared_ptr<const RootLayer> m_rootLayer;
+
+    std::chrono::nanoseconds m_realTime{}; ///< Up to where m_clock has followed real time.
+    LayerClock m_clock{0.0};
+    std::optional<Simulation> m_simulation; ///< Nothing until there is a layer.
+    RasterRenderer m_renderer;
+
+    FrameSchedule m_schedule;
+    QTimer m_timer; ///< Runs towards the next frame; stopped while there is none to come.
+    bool m_playing = false;
+    bool m_hasAppeared = false;
+    QPointer<QWindow> m_window; ///< The one whose events are watched.
+    QPointer<QScreen> m_screen; ///< Where it is, and whose rate counts.
+    QMetaObject::Connection m_rateConnection;
+
+    QImage m_picture;
+    double m_pixelsPerPoint = 1.0; ///< Of m_picture.
+    double m_shownTime = 0.0;      ///< Of m_picture.
+    bool m_stale = true;           ///< Whether m_picture no longer shows the present state.
+    std::uint64_t m_renderedFrames = 0;
+};
+
+} // namespace starbloom

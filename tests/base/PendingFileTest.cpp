@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/PendingFile.h"
+
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <utility>
+
+namespace starbloom {
+
+namespace {
+
+using testing::HasSubstr;
+
+std::span<const std::byte> bytesOf(const std::string& text) {
+    return std::as_bytes(std::span(text));
+}
+
+/// Makes every write of this process fail that would let a file grow beyond a size, as a full disk does.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{bytes, m_before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    ~FileSizeLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int) = nullptr;
+};
+
+class PendingFileTest : public testing::Test {
+protected:
+    PendingFileTest() { std::ofstream(target) << "old"; }
+
+    TemporaryFolder folder;
+    std::filesystem::path target = folder / "show.png";
+};
+
+TEST_F(PendingFileTest, targetIsOldUntilCommitAndWholeAfterIt) {
+    auto file = PendingFile::create(target);
+    ASSERT_TRUE(file);
+    ASSERT_TRUE(file.value().write(bytesOf("new ")));
+    ASSERT_TRUE(file.value().write(bytesOf("show")));
+    EXPECT_EQ(readFile(target), "old");
+    EXPECT_EQ(readFile(file.value().temporaryPath()), "new show");
+    ASSERT_TRUE(file.value().commit());
+    EXPECT_EQ(readFile(target), "new show");
+    EXPECT_EQ(folder.entryCount(), 1);
+    EXPECT_FALSE(file.value().write(bytesOf("more")));
+    EXPECT_FALSE(file.value().commit());
+    EXPECT_EQ(readFile(target), "new show");
+}
+
+TEST_F(PendingFileTest, whatIsNotCommittedLeavesNothing) {
+    {
+        auto file = PendingFile::create(target);
+        ASSERT_TRUE(file);
+        ASSERT_TRUE(file.value().write(bytesOf("half")));
+    }
+    EXPECT_EQ(readFile(target), "old");
+    EXPECT_EQ(folder.entryCount(), 1);
+}
+
+TEST_F(PendingFileTest, movingHandsTheFileOn) {
+    auto first = PendingFile::create(target);
+    auto second = PendingFile::create(folder / "other");
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(folder.entryCount(), 3);
+    std::optional<PendingFile> holder(std::move(first).value());
+    *holder = std::move(second).value(); // gives the first one up
+    EXPECT_EQ(folder.entryCount(), 2);
+    ASSERT_TRUE(holder->write(bytesOf("moved")));
+    ASSERT_TRUE(holder->commit());
+    holder.reset();
+    EXPECT_EQ(readFile(folder / "other"), "moved");
+    EXPECT_EQ(readFile(target), "old");
+    EXPECT_EQ(folder.entryCount(), 2);
+}
+
+TEST_F(PendingFileTest, newFilesHaveTheUsersUsualPermissions) {
+    const mode_t before = ::umask(027);
+    const auto written = writeFile(target, bytesOf("x"));
+    ::umask(before);
+    ASSERT_TRUE(written);
+
+    struct stat status {};
+
+    ASSERT_EQ(::stat(target.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+}
+
+TEST_F(PendingFileTest, failuresNameTheTargetAndTheReason) {
+    std::filesystem::create_directory(folder / "taken");
+
+    const struct {
+        std::filesystem::path target;
+        const char* reason;
+    } cases[] = {
+        {folder / "missing/show.png", "No such file or directory"},
+        {target / "show.png", "Not a directory"},
+        {folder / "taken", "Is a directory"},
+        {folder.path() / "", "not the name of a file"},
+        {"", "not the name of a file"},
+        {folder / std::string(256, 'n'), "File name too long"}, // noticed by the rename
+    };
+
+    for (const auto& each : cases) {
+        const auto result = writeFile(each.target, bytesOf("x"));
+        ASSERT_FALSE(result) << each.target;
+        EXPECT_THAT(result.error().message, HasSubstr("cannot write " + each.target.string()));
+        EXPECT_THAT(result.error().message, HasSubstr(each.reason));
+    }
+    EXPECT_EQ(folder.entryCount(), 2);
+}
+
+TEST_F(PendingFileTest, fullDiskLeavesTheOldFile) {
+    const std::string large(100'000, 'x');
+    {
+        const FileSizeLimit limit(4096);
+        const auto result = writeFile(target, bytesOf(large));
+        ASSERT_FALSE(result);
+        EXPECT_THAT(result.error().message, HasSubstr("File too large"));
+    }
+    EXPECT_EQ(readFile(target), "old");
+    EXPECT_EQ(folder.entryCount(), 1);
+    const auto longestName = folder / std::string(255, 'n');
+    EXPECT_TRUE(writeFile(longestName, bytesOf(large)));
+    EXPECT_EQ(readFile(longestName), large);
+}
+
+} // namespace
+
+} // namespace starbloom

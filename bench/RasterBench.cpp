@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// What a frame costs: all sparks evaluated and drawn, next to the machine's own limit for the same number and size.
+// The last argument is the number of threads. bench/run prints the ratios.
+
+#include "base/ImageBuffer.h"
+#include "bench/BareBlit.h"
+#include "engine/raster/RasterRenderer.h"
+
+#include <benchmark/benchmark.h>
+#include <oneapi/tbb/global_control.h>
+#include <oneapi/tbb/task_arena.h>
+
+#include <cmath>
+#include <memory>
+#include <random>
+
+namespace {
+
+using namespace starbloom;
+
+constexpr float stepOfFrame = 1.0F / 60.0F;
+
+/// A glow of 12 x 12 points.
+std::shared_ptr<const SparkImage> glow() {
+    constexpr int side = 48;
+    SparkImage image{side, side, 4.0, {}};
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const double r = std::hypot(x + 0.5 - side / 2.0, y + 0.5 - side / 2.0) / (side / 2.0);
+            image.light.push_back(r < 1.0 ? static_cast<float>(std::exp(-6.0 * r * r) * (1.0 - r * r)) : 0.0F);
+        }
+    }
+    return std::make_shared<const SparkImage>(image);
+}
+
+/// Sparks all over the picture that fly, shrink a little and fade, none of which dies while it is measured.
+SparkBatch scene(int width, int height, std::size_t count) {
+    SparkBatch batch({0, 1.0e6F, -10.0F, -0.001F, 2.0F, {0.0F, 0.0F, 0.0F, -0.001F}, glow()});
+    std::mt19937 random(1);
+    std::uniform_real_distribution<float> unit(0.0F, 1.0F);
+    for (std::size_t i = 0; i < count; ++i) {
+        batch.append({-static_cast<double>(unit(random)), unit(random) * static_cast<float>(width),
+                      unit(random) * static_cast<float>(height), unit(random) * 40.0F - 20.0F,
+                      unit(random) * 40.0F - 20.0F, 0.9F + 0.1F * unit(random),
+                      Color{unit(random), unit(random), unit(random), 0.5F + 0.5F * unit(random)}});
+    }
+    return batch;
+}
+
+void drawFrame(benchmark::State& state) {
+    const auto count = static_cast<std::size_t>(state.range(0));
+    const int width = static_cast<int>(state.range(1));
+    const int height = static_cast<int>(state.range(2));
+    const int threads = static_cast<int>(state.range(3));
+    const oneapi::tbb::global_control limit(oneapi::tbb::global_control::max_allowed_parallelism,
+                                            static_cast<std::size_t>(threads));
+    oneapi::tbb::task_arena arena(threads);
+    const SparkBatch batch = scene(width, height, count);
+    RasterRenderer renderer;
+    ImageBuffer image(width, height);
+    int frame = 0;
+    const auto draw = [&] {
+        // Back and forth over one second, so that every measurement sees the same moments.
+        const double time = static_cast<double>(frame++ % 60) * stepOfFrame;
+        arena.execute([&] { renderer.render({&batch, 1}, {.time = time}, RasterTarget::of(image)); });
+    };
+    for (int i = 0; i < 60; ++i) {
+        draw();
+    }
+    for (auto _ : state) {
+        draw();
+        benchmark::DoNotOptimize(image.bytes().data());
+    }
+}
+
+void drawBare(benchmark::State& state) {
+    const int threads = static_cast<int>(state.range(3));
+    const oneapi::tbb::global_control limit(oneapi::tbb::global_control::max_allowed_parallelism,
+                                            static_cast<std::size_t>(threads));
+    oneapi::tbb::task_arena arena(threads);
+    BareBlit bare(static_cast<int>(state.range(1)), static_cast<int>(state.range(2)),
+                  static_cast<std::size_t>(state.range(0)));
+    int frame = 0;
+    for (auto _ : state) {
+        const float time = static_cast<float>(frame++ % 60) * stepOfFrame;
+        arena.execute([&] { bare.drawFrame(time, threads); });
+        benchmark::DoNotOptimize(bare.output().data());
+    }
+}
+
+void scenes(benchmark::internal::Benchmark* bench) {
+    for (const auto& [width, height] : {std::pair(640, 480), std::pair(1920, 1080)}) {
+        for (const int count : {1000, 20000, 100000}) {
+            for (const int threads : {1, 2}) {
+                bench->Args({count, width, height, threads});
+            }
+        }
+    }
+    bench->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK(drawFrame)->Apply(scenes);
+BENCHMARK(drawBare)->Apply(scenes);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 
 namespace {
@@ -35,13 +36,30 @@ bool hasDisplay(int argc, char** argv) {
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || std::any_of(argv, argv + argc, isPlatformOption);
 }
 
+constexpr const char* noDisplay =
+    "starbloom: no display to show a window on; starbloom-render makes pictures and movies without one\n";
+
 int refuse(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     describe(application);
     readArguments(application);
-    std::fputs("starbloom: no display to show a window on; starbloom-render makes pictures and movies without one\n",
-               stderr);
+    std::fputs(noDisplay, stderr);
     return 1;
+}
+
+QtMessageHandler usualHandler = nullptr;
+
+/// Stands in while Qt opens the display. A display that does not answer is fatal to Qt, which would explain itself at
+/// length and dump core.
+void refuseInsteadOfAborting(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (type == QtFatalMsg) {
+        std::fputs(noDisplay, stderr);
+        std::_Exit(1);
+    }
+    const bool aboutDisplay = context.category != nullptr && std::string_view(context.category).starts_with("qt.qpa");
+    if (!aboutDisplay) {
+        usualHandler(type, context, message);
+    }
 }
 
 } // namespace
@@ -50,7 +68,9 @@ int main(int argc, char** argv) {
     if (!hasDisplay(argc, argv)) {
         return refuse(argc, argv);
     }
+    usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     QApplication application(argc, argv);
+    qInstallMessageHandler(usualHandler);
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("starbloom"));
     readArguments(application);

@@ -6,11 +6,14 @@ namespace starbloom {
 
 namespace {
 
-/// Runs the installed program without any display to end.
-void runWithoutDisplay(QProcess& program, const QStringList& arguments) {
+/// Runs the installed program to its end without a display, or with one that nobody answers at.
+void runWithoutDisplay(QProcess& program, const QStringList& arguments, const QString& deadDisplay = {}) {
     auto environment = QProcessEnvironment::systemEnvironment();
     for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         environment.remove(QString::fromUtf8(variable));
+    }
+    if (!deadDisplay.isEmpty()) {
+        environment.insert(QStringLiteral("DISPLAY"), deadDisplay);
     }
     program.setProcessEnvironment(environment);
     program.start(QStringLiteral(STARBLOOM_PROGRAM), arguments);
@@ -18,14 +21,16 @@ void runWithoutDisplay(QProcess& program, const QStringList& arguments) {
 }
 
 TEST(Program, WithoutADisplaySaysSoInOneLine) {
-    QProcess program;
-    runWithoutDisplay(program, {});
-    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(program.exitCode(), 1);
-    const QByteArray message = program.readAllStandardError();
-    EXPECT_EQ(message.count('\n'), 1) << message.constData();
-    EXPECT_TRUE(message.contains("no display") && message.contains("starbloom-render")) << message.constData();
-    EXPECT_TRUE(program.readAllStandardOutput().isEmpty());
+    for (const QString& deadDisplay : {QString(), QStringLiteral(":7654")}) {
+        QProcess program;
+        runWithoutDisplay(program, {}, deadDisplay);
+        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(program.exitCode(), 1);
+        const QByteArray message = program.readAllStandardError();
+        EXPECT_EQ(message.count('\n'), 1) << message.constData();
+        EXPECT_TRUE(message.contains("no display") && message.contains("starbloom-render")) << message.constData();
+        EXPECT_TRUE(program.readAllStandardOutput().isEmpty());
+    }
 }
 
 TEST(Program, AnswersQuestionsWithoutADisplay) {

@@ -15,6 +15,7 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     const std::filesystem::path& path() const { return m_path; }
+
     std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
 
     /// How many files and folders lie in it, hidden ones too: leftovers show up here.

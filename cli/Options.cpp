@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdio>
 #include <optional>
-#include <regex>
 #include <tuple>
 
 namespace starbloom {
@@ -153,10 +152,25 @@ std::string lowered(std::string text) {
     return text;
 }
 
-/// The place of frame numbers in a name: one %d, possibly with a width, as in %05d.
-const std::regex& numberPlace() {
-    static const std::regex pattern("%0?([0-9]?)d");
-    return pattern;
+/// Where the frame's number goes in a file name: one %d, possibly with a width of one digit, as in %05d.
+struct NumberPlace {
+    std::size_t begin = 0;
+    std::size_t end = 0; ///< Behind the d.
+    std::size_t width = 0;
+};
+
+std::vector<NumberPlace> findNumberPlaces(const std::string& name) {
+    std::vector<NumberPlace> places;
+    for (auto begin = name.find('%'); begin != std::string::npos; begin = name.find('%', begin + 1)) {
+        std::size_t end = begin + 1;
+        end += end < name.size() && name[end] == '0' ? 1 : 0;
+        const bool hasWidth = end < name.size() && name[end] >= '1' && name[end] <= '9';
+        const std::size_t width = hasWidth ? static_cast<std::size_t>(name[end++] - '0') : 0;
+        if (end < name.size() && name[end] == 'd') {
+            places.push_back({begin, end + 1, width});
+        }
+    }
+    return places;
 }
 
 Result<void> tellKind(const RawOptions& raw, Options& options) {
@@ -182,7 +196,7 @@ Result<void> tellKind(const RawOptions& raw, Options& options) {
                      "' ends in none of .png (picture, or frames with %05d in the name), .m4v, .mp4"};
     }
     const std::string name = options.output.filename().string();
-    const auto places = std::distance(std::sregex_iterator(name.begin(), name.end(), numberPlace()), {});
+    const auto places = findNumberPlaces(name).size();
     if (places > 1) {
         return Error{"'" + raw.output + "' has more than one place for the frame's number"};
     }
@@ -249,17 +263,16 @@ std::int64_t Options::frameCount() const {
 
 std::filesystem::path Options::framePath(std::int64_t frame) const {
     const std::string name = output.filename().string();
-    std::smatch place;
-    if (!std::regex_search(name, place, numberPlace())) {
+    const auto places = findNumberPlaces(name);
+    if (places.empty()) {
         return output;
     }
+    const NumberPlace& place = places.front();
     std::string number = std::to_string(frame);
-    const std::string digits = place[1].str();
-    const std::size_t wanted = digits.empty() ? 0 : static_cast<std::size_t>(digits[0] - '0');
-    if (number.size() < wanted) {
-        number.insert(0, wanted - number.size(), '0');
+    if (number.size() < place.width) {
+        number.insert(0, place.width - number.size(), '0');
     }
-    return output.parent_path() / (place.prefix().str() + number + place.suffix().str());
+    return output.parent_path() / (name.substr(0, place.begin) + number + name.substr(place.end));
 }
 
 Result<Options> parseOptions(std::span<const std::string> arguments) {

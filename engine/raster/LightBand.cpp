@@ -85,24 +85,10 @@ void LightBand::resolve(const RasterKernels& kernels, const ResolveSettings& set
         std::uint8_t* out = pixels + static_cast<std::size_t>(row) * bytesPerRow;
         fillBackground(settings, out, firstX);
         if (touched) {
-            std::uint16_t* light = rowStart(row);
-            kernels.resolve(light + firstX, m_planeStride, static_cast<std::size_t>(lastX - firstX), settings,
+            kernels.resolve(rowStart(row) + firstX, m_planeStride, static_cast<std::size_t>(lastX - firstX), settings,
                             out + 4 * static_cast<std::size_t>(firstX));
-            clearMargins(light);
         }
         fillBackground(settings, out + 4 * static_cast<std::size_t>(lastX), m_width - lastX);
-    }
-}
-
-void LightBand::clearMargins(std::uint16_t* light) {
-    for (int plane = 0; plane < 3; ++plane) {
-        if (m_firstX == 0) {
-            std::fill(light - margin, light, std::uint16_t{0});
-        }
-        if (m_lastX == m_width) {
-            std::fill(light + m_width, light + m_width + margin, std::uint16_t{0});
-        }
-        light += m_planeStride;
     }
 }
 

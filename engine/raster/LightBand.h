@@ -28,7 +28,6 @@ private:
         return m_light.data() + static_cast<std::ptrdiff_t>(row) * 3 * m_planeStride + margin;
     }
 
-    void clearMargins(std::uint16_t* light);
     void drawWide(const RasterKernels& kernels, const std::int16_t* mask, int stride, int rows, int x, int row,
                   const SparkCommand& command);
 

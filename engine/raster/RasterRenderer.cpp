@@ -20,8 +20,13 @@ namespace {
 /// turning at many large sizes, gets there.
 constexpr std::size_t atlasBudget = 256U << 20U;
 
+/// Within 0..1; what is no number counts as 0.
+float unit(float value) {
+    return value > 0.0F ? std::min(value, 1.0F) : 0.0F;
+}
+
 std::uint16_t backgroundLight(float channel, float alpha) {
-    const float shown = std::clamp(channel, 0.0F, 1.0F) * std::clamp(alpha, 0.0F, 1.0F);
+    const float shown = unit(channel) * unit(alpha);
     const int level = static_cast<int>(shown * 255.0F + 0.5F);
     return static_cast<std::uint16_t>((level << lightShift) + (1 << (lightShift - 1)));
 }

@@ -215,6 +215,24 @@ TEST(RasterRenderer, comesCloseToTheIdealPicture) {
     }
 }
 
+TEST(RasterRenderer, largeSparksLieHalfAStepBesideTheirPlaceAtMost) {
+    // Sizes whose positions are told apart in steps of 1, 2, 4 and 8 eighths of a pixel.
+    for (const auto& [size, step] : {std::pair{24.0F, 0.125}, {48.0F, 0.25}, {96.0F, 0.5}, {192.0F, 1.0}}) {
+        for (int eighth = 0; eighth < 8; ++eighth) {
+            const double place = 120.0 + eighth / 8.0;
+            const SparkBirth spark{0.0, static_cast<float>(place), 120.0F, 0.0F, 0.0F, size / 12.0F, {}};
+            const ImageBuffer image = draw(std::vector{stillBatch(softSpark(), {spark})}, 240, 240);
+            double light = 0.0;
+            double moment = 0.0;
+            for (std::size_t i = 0; i < image.bytes().size(); i += 4) {
+                light += image.bytes()[i];
+                moment += image.bytes()[i] * (static_cast<double>(i / 4 % 240) + 0.5);
+            }
+            EXPECT_NEAR(moment / light, place, (step > 0.125 ? step / 2.0 : 0.0) + 0.01) << size << " px, " << eighth;
+        }
+    }
+}
+
 TEST(RasterRenderer, faintSparksAddUp) {
     // Each one adds 28 of the 128 units of a display level at its brightest, so alone it leaves nothing.
     const SparkBirth faint{0.0, 20.25F, 19.75F, 0.0F, 0.0F, 2.0F, {1.0F, 0.5F, 0.25F, 28.0F / fullLight}};

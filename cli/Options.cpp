@@ -21,6 +21,7 @@ constexpr int largestSide = 65536;
 constexpr int largestMovieSide = 16384; // What H.264 encoders take.
 constexpr double longestShow = 1.0e6;   // Seconds: eleven days.
 constexpr double longestFadeIn = 3600.0;
+constexpr double shortestFadeIn = 0.5;
 constexpr int largestRate = 240;
 constexpr int mostThreads = 1024;
 
@@ -102,7 +103,7 @@ Result<void> parseNumbers(const RawOptions& raw, Options& options) {
 }
 
 Result<void> parseSize(const std::string& text, Options& options) {
-    const auto cross = text.find('x');
+    const auto cross = text.find_first_of("xX");
     const auto width = parseNumber<int>(text.substr(0, cross));
     const auto height = cross == std::string::npos ? std::nullopt : parseNumber<int>(text.substr(cross + 1));
     if (!width || !height || *width < 1 || *height < 1 || *width > largestSide || *height > largestSide) {
@@ -163,6 +164,10 @@ std::vector<NumberPlace> findNumberPlaces(const std::string& name) {
     std::vector<NumberPlace> places;
     for (auto begin = name.find('%'); begin != std::string::npos; begin = name.find('%', begin + 1)) {
         std::size_t end = begin + 1;
+        if (end < name.size() && name[end] == '%') {
+            begin = end; // Two of them are no place: who writes so means the sign itself.
+            continue;
+        }
         end += end < name.size() && name[end] == '0' ? 1 : 0;
         const bool hasWidth = end < name.size() && name[end] >= '1' && name[end] <= '9';
         const std::size_t width = hasWidth ? static_cast<std::size_t>(name[end++] - '0') : 0;
@@ -186,6 +191,9 @@ Result<void> tellKind(const RawOptions& raw, Options& options) {
         return Error{"no OUTPUT given: name a .png, .m4v or .mp4 file; --help tells more"};
     }
     options.output = raw.output;
+    if (options.output.stem().string().starts_with('.') && !options.output.has_extension()) {
+        return Error{"'" + raw.output + "' has no name before its ending"};
+    }
     const std::string extension = lowered(options.output.extension().string());
     if (extension == ".m4v" || extension == ".mp4") {
         options.kind = OutputKind::Movie;
@@ -205,6 +213,10 @@ Result<void> tellKind(const RawOptions& raw, Options& options) {
 }
 
 Result<void> checkTogether(const Options& options) {
+    if (options.fadeIn > 0.0 && options.fadeIn < shortestFadeIn) {
+        return Error{"--fade-in takes at least " + brief(shortestFadeIn) +
+                     " seconds: the rate climbs in steps of so long"};
+    }
     const bool manyFrames = options.kind == OutputKind::Movie || options.kind == OutputKind::Frames;
     if (manyFrames && options.frameCount() < 1) {
         return Error{"--seconds " + brief(options.seconds) + " at --fps " + std::to_string(options.framesPerSecond) +
@@ -221,6 +233,9 @@ void warnAboutIdleOptions(const CLI::App& app, Options& options) {
     const bool oneMoment = options.kind == OutputKind::Picture || options.kind == OutputKind::ParticleTable;
     if (manyFrames && app.count("--at") > 0) {
         options.warnings.emplace_back("--at is for pictures and has no effect here; --from sets where a movie starts");
+    }
+    if (options.positions.position(Parameter::AnimateSpeed) == 0.0F) {
+        options.warnings.emplace_back("animateSpeedSlider=0 stands still before the first rocket: nothing will show");
     }
     for (const char* name : {"--fps", "--seconds"}) {
         if (oneMoment && app.count(name) > 0) {

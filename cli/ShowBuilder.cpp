@@ -29,17 +29,12 @@ private:
     Size m_size;
 };
 
-std::shared_ptr<const SparkImage> loadSpark() {
-    auto image = decodeSparkImage(sparkPng());
-    return image ? std::make_shared<const SparkImage>(std::move(image).value()) : nullptr;
-}
-
 } // namespace
 
 RequestedShow buildShow(const Options& options) {
     SizeStage stage({static_cast<double>(options.width), static_cast<double>(options.height)});
     PositionPanel panel = options.positions;
-    FireworksController controller(&panel, &stage, loadSpark());
+    FireworksController controller(&panel, &stage, sharedSparkImage(sparkPng()));
     controller.slidersMoved();
 
     RequestedShow requested;

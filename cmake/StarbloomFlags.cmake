@@ -10,7 +10,7 @@ add_library(starbloom_flags INTERFACE)
 target_compile_options(starbloom_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
   # GCC 12 sees overlaps in std::string's own operator+ where there are none (its bug 105329).
-  -Wno-restrict
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   # A show is the same bit for bit on every machine: a fused multiply-add, which only some processors have, would break that.
   -ffp-contract=off)
 
@@ -22,6 +22,13 @@ if(STARBLOOM_SANITIZER)
   target_compile_options(starbloom_flags INTERFACE
     -fsanitize=${STARBLOOM_SANITIZER} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(starbloom_flags INTERFACE -fsanitize=${STARBLOOM_SANITIZER})
+endif()
+
+# A fuzzer finds its way by what it sees of the code under it, so with fuzz targets every folder is instrumented.
+if(STARBLOOM_FUZZ)
+  target_compile_options(starbloom_flags INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(starbloom_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
 endif()
 
 # starbloom_library(<folder> <sources...>): one static library per folder, also known as starbloom::<folder>.

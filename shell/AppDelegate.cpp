@@ -4,36 +4,68 @@
 #include "export/picture/PngCodec.h"
 #include "resources/Resources.h"
 
-#include <memory>
+#include <QFile>
+#include <QStandardPaths>
+
 #include <utility>
 
 namespace starbloom {
 
 namespace {
 
-/// Without its picture the program runs on, with a stage that shows its background; nobody is told.
-std::shared_ptr<const SparkImage> loadSparkImage() {
-    auto image = decodeSparkImage(sparkPng());
-    return image ? std::make_shared<const SparkImage>(std::move(image).value()) : nullptr;
-}
+/// The desktop's own answer.
+class DesktopDocuments final : public DocumentsFolder {
+public:
+    std::filesystem::path documentsFolder() const override {
+        return QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)).toStdString();
+    }
+};
 
 } // namespace
 
-AppDelegate::AppDelegate(std::uint64_t seed, StageView::ClockSource clock)
-    : m_stage(seed, std::move(clock))
-    , m_controller(&m_panel, &m_stage, loadSparkImage())
-    , m_window(m_stage, m_panel) {}
+AppDelegate::AppDelegate(AppFolder folder, DelayedCalls& calls, std::uint64_t seed, StageView::ClockSource clock)
+    : m_folder(std::move(folder))
+    , m_stores(m_folder)
+    , m_stage(seed, std::move(clock))
+    , m_controller(&m_panel, &m_stage, sharedSparkImage(sparkPng()))
+    , m_presetStore(m_stores)
+    , m_presets(m_panel, m_presetStore, calls,
+                {[this] { m_controller.slidersMoved(); }, [this](bool enabled) { m_panel.setSaveEnabled(enabled); }})
+    , m_window(m_stage, m_panel)
+    , m_windowPlace(m_window, m_stores, calls) {}
 
 void AppDelegate::launch() {
+    openStores();
+    m_window.takeInitialSize();
+    readStores();
     connectSliders();
     connectSwitches();
-    applySlidersOnceOnScreen();
+    loadPresetOnceOnScreen();
     showWindow();
+}
+
+void AppDelegate::openStores() {
+    m_folder.createAppFolder();
+    m_stores.openCreateDB0();
+    m_stores.openCreateDB1();
+    m_stores.openCreateDB2();
+}
+
+void AppDelegate::readStores() {
+    // The switches first: they decide what becomes of the window's saved place.
+    m_stores.populateDB2();
+    m_stores.populateDB1(DesktopDocuments());
+    if (m_stores.populateDB0()) {
+        m_windowPlace.restore(fileExists(m_folder.filePath0()));
+    }
+    m_stores.setMain();
 }
 
 void AppDelegate::connectSliders() {
     QObject::connect(&m_panel, &SliderPanel::moved, &m_window, [this] { m_controller.slidersMoved(); });
     QObject::connect(&m_panel, &SliderPanel::resetRequested, &m_window, [this] { m_controller.resetSliders(); });
+    QObject::connect(&m_panel, &SliderPanel::loadRequested, &m_window, [this] { m_presets.loadSettings6(); });
+    QObject::connect(&m_panel, &SliderPanel::saveRequested, &m_window, [this] { m_presets.saveSettings6a(); });
 }
 
 void AppDelegate::connectSwitches() {
@@ -42,13 +74,15 @@ void AppDelegate::connectSwitches() {
                      [this](bool on) { m_controller.setAnimation(on); });
 }
 
-void AppDelegate::applySlidersOnceOnScreen() {
+void AppDelegate::loadPresetOnceOnScreen() {
     // The launch point follows from the stage's size, which the desktop may decide when it shows the window.
-    QObject::connect(&m_stage, &StageView::appeared, &m_window, [this] { m_controller.slidersMoved(); });
+    QObject::connect(&m_stage, &StageView::appeared, &m_window, [this] {
+        m_presets.loadSettings6();
+        m_windowPlace.follow();
+    });
 }
 
 void AppDelegate::showWindow() {
-    m_window.takeInitialSize();
     m_window.show();
 }
 

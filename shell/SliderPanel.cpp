@@ -56,30 +56,44 @@ QString groupBeginningAt(Parameter parameter) {
 SliderPanel::SliderPanel(QWidget* parent)
     : QWidget(parent)
     , m_scroll(new QScrollArea)
-    , m_reset(new QPushButton(tr("&Reset all sliders"))) {
+    , m_reset(new QPushButton(tr("&Reset all")))
+    , m_load(new QPushButton(tr("&Load")))
+    , m_save(new QPushButton(tr("S&ave"))) {
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setWidgetResizable(true);
     m_scroll->setFocusPolicy(Qt::NoFocus);
     m_scroll->setWidget(makeRows());
 
-    m_reset->setObjectName(QStringLiteral("resetButton"));
-    m_reset->setToolTip(tr("Puts all fourteen sliders back to where they were at first."));
-    connect(m_reset, &QPushButton::clicked, this, &SliderPanel::resetRequested);
-
-    auto* resetLine = new QHBoxLayout;
-    resetLine->setContentsMargins(0, 0, rightMargin(*this), 0);
-    resetLine->addStretch();
-    resetLine->addWidget(m_reset);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(m_scroll, 1);
-    layout->addLayout(resetLine);
+    layout->addLayout(makeButtons());
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
     fitWidth();
 }
 
 SliderPanel::~SliderPanel() = default;
+
+QLayout* SliderPanel::makeButtons() {
+    m_reset->setObjectName(QStringLiteral("resetButton"));
+    m_reset->setToolTip(tr("Puts all fourteen sliders back to where they were at first."));
+    connect(m_reset, &QPushButton::clicked, this, &SliderPanel::resetRequested);
+    m_load->setObjectName(QStringLiteral("loadButton6"));
+    m_load->setToolTip(tr("Puts all sliders back to the positions that were saved last."));
+    connect(m_load, &QPushButton::clicked, this, &SliderPanel::loadRequested);
+    m_save->setObjectName(QStringLiteral("saveButton6"));
+    m_save->setToolTip(tr("Keeps the positions of all sliders; the next start begins with them."));
+    connect(m_save, &QPushButton::clicked, this, &SliderPanel::saveRequested);
+
+    auto* line = new QHBoxLayout;
+    line->setContentsMargins(0, 0, rightMargin(*this), 0);
+    line->addWidget(m_reset);
+    line->addStretch();
+    line->addWidget(m_load);
+    line->addWidget(m_save);
+    return line;
+}
 
 QWidget* SliderPanel::makeRows() {
     auto* rows = new QWidget;
@@ -153,6 +167,10 @@ void SliderPanel::setEnabled(Parameter parameter, bool enabled) {
 
 void SliderPanel::setResetEnabled(bool enabled) {
     m_reset->setEnabled(enabled);
+}
+
+void SliderPanel::setSaveEnabled(bool enabled) {
+    m_save->setEnabled(enabled);
 }
 
 void SliderPanel::changeEvent(QEvent* event) {

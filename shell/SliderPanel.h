@@ -9,6 +9,7 @@
 
 class QGridLayout;
 class QLabel;
+class QLayout;
 class QPushButton;
 class QScrollArea;
 
@@ -16,7 +17,8 @@ namespace starbloom {
 
 class ParameterSlider;
 
-/// The fourteen sliders in four groups, each with its name and its value, and the reset button below them.
+/// The fourteen sliders in four groups, each with its name and its value, and below them the buttons that load and save
+/// the preset and reset the sliders.
 ///
 /// Scrolls when it is given less height than it needs; its width depends on the font alone, so that a value that grows
 /// a digit moves nothing. Reaches to its right edge with the scroll bar, and keeps the usual margin there otherwise.
@@ -34,12 +36,19 @@ public:
     void setResetEnabled(bool enabled) override;
     using QWidget::setEnabled;
 
+    /// The save button rests while a save is on its way.
+    void setSaveEnabled(bool enabled);
+
 signals:
     /// The user has moved a slider, or put one back.
     void moved();
 
     /// The reset button was pressed. Moving the sliders is left to whoever listens.
     void resetRequested();
+
+    /// The buttons of the preset were pressed.
+    void loadRequested();
+    void saveRequested();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -54,6 +63,7 @@ private:
     };
 
     QWidget* makeRows();
+    QLayout* makeButtons();
     void addGroup(QGridLayout& grid, const QString& title);
     void addRow(QGridLayout& grid, const ParameterRow& parameter);
     void fitWidth();
@@ -63,6 +73,8 @@ private:
     std::array<Row, parameterCount> m_rows;
     QScrollArea* m_scroll;
     QPushButton* m_reset;
+    QPushButton* m_load;
+    QPushButton* m_save;
 };
 
 } // namespace starbloom

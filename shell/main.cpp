@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
+#include "shell/Application.h"
 #include "shell/LogCategories.h"
+#include "shell/QtDelayedCalls.h"
 #include "shell/ShowSeed.h"
 
-#include <QApplication>
 #include <QCommandLineParser>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -25,6 +28,10 @@ void readArguments(const QCoreApplication& application) {
     parser.addHelpOption();
     parser.addVersionOption();
     parser.process(application);
+    if (const QStringList extra = parser.positionalArguments(); !extra.isEmpty()) {
+        std::fprintf(stderr, "starbloom: '%s' is not an option; --help shows them\n", qUtf8Printable(extra.first()));
+        std::exit(2);
+    }
 }
 
 /// Whether there can be a window. Asked before Qt is, which would end the program with a core dump.
@@ -36,6 +43,9 @@ bool hasDisplay(int argc, char** argv) {
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || std::any_of(argv, argv + argc, isPlatformOption);
 }
 
+/// Apart from other failures, so that a script can turn to starbloom-render.
+constexpr int noDisplayStatus = 3;
+
 constexpr const char* noDisplay =
     "starbloom: no display to show a window on; starbloom-render makes pictures and movies without one\n";
 
@@ -44,7 +54,7 @@ int refuse(int argc, char** argv) {
     describe(application);
     readArguments(application);
     std::fputs(noDisplay, stderr);
-    return 1;
+    return noDisplayStatus;
 }
 
 QtMessageHandler usualHandler = nullptr;
@@ -54,12 +64,20 @@ QtMessageHandler usualHandler = nullptr;
 void refuseInsteadOfAborting(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     if (type == QtFatalMsg) {
         std::fputs(noDisplay, stderr);
-        std::_Exit(1);
+        std::_Exit(noDisplayStatus);
     }
     const bool aboutDisplay = context.category != nullptr && std::string_view(context.category).starts_with("qt.qpa");
     if (!aboutDisplay) {
         usualHandler(type, context, message);
     }
+}
+
+/// Where the program keeps its files. A user without a home gets a show that forgets.
+starbloom::AppFolder applicationFolder() {
+    const auto dataHome = starbloom::AppFolder::dataHome([](const char* name) -> std::optional<std::string> {
+        return qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name).toStdString()) : std::nullopt;
+    });
+    return starbloom::AppFolder(dataHome ? dataHome.value() : std::filesystem::path());
 }
 
 } // namespace
@@ -69,14 +87,17 @@ int main(int argc, char** argv) {
         return refuse(argc, argv);
     }
     usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
-    QApplication application(argc, argv);
+    starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("starbloom"));
     readArguments(application);
 
     starbloom::sendLogToCategories();
-    starbloom::AppDelegate delegate(starbloom::chooseShowSeed());
-    delegate.launch();
+    starbloom::QtDelayedCalls calls;
+    starbloom::AppDelegate delegate(applicationFolder(), calls, starbloom::chooseShowSeed());
+    // From within the event loop, where the application catches what a failing store throws.
+    QMetaObject::invokeMethod(
+        &application, [&delegate] { delegate.launch(); }, Qt::QueuedConnection);
     return QApplication::exec();
 }

@@ -45,21 +45,21 @@ struct ParameterRow {
     std::string_view effect; ///< What a person sees change, for listings.
 };
 
-/// The ranges are chosen so that each end is a show of its own and none is an empty stage, at 640 x 480 points with all
-/// other sliders at their reset positions.
+/// The ranges are chosen so that each end is a show of its own, at 640 x 480 points with all other sliders at their
+/// reset positions: bursts are seen, whole or in part. Only speed 0 shows nothing new, as it should.
 inline constexpr std::array<ParameterRow, parameterCount> parameterTable{{
     {Parameter::RocketHeight, "rocketHeightSlider", "yPosition", 5, 0.0F, 8.0F, 10.0, -50.0, "% of height",
      "Launch height",
      "where rockets start: 5 is the bottom edge, below it they start under the stage, above it inside"},
-    {Parameter::RocketBirth, "rocketBirthSlider", "rocketBirth", 5, 1.0F, 40.0F, 0.1, 0.0, "rockets/s", "Rocket rate",
+    {Parameter::RocketBirth, "rocketBirthSlider", "rocketBirth", 5, 3.0F, 40.0F, 0.1, 0.0, "rockets/s", "Rocket rate",
      "how many rockets rise each second"},
-    {Parameter::RocketAngle, "rocketAngleSlider", "rocketRange", 1, 0.0F, 3.0F, 45.0, 0.0, "°", "Rocket spread",
+    {Parameter::RocketAngle, "rocketAngleSlider", "rocketRange", 1, 0.0F, 2.5F, 45.0, 0.0, "°", "Rocket spread",
      "how wide the fan of rockets is; 0 sends all straight up"},
-    {Parameter::RocketVelocity, "rocketVelocitySlider", "rocketVelocity", 400, 200.0F, 600.0F, 1.0, 0.0, "pt/s",
+    {Parameter::RocketVelocity, "rocketVelocitySlider", "rocketVelocity", 400, 250.0F, 550.0F, 1.0, 0.0, "pt/s",
      "Rocket speed", "how fast rockets leave, and so how high they burst"},
     {Parameter::RocketRange, "rocketRangeSlider", "rocketVelocityRange", 100, 0.0F, 200.0F, 1.0, 0.0, "pt/s",
      "Speed variation", "how much rockets differ in speed, and so in height"},
-    {Parameter::RocketGravity, "rocketGravitySlider", "rocketGravity", 250, 50.0F, 450.0F, 1.0, 0.0, "pt/s²",
+    {Parameter::RocketGravity, "rocketGravitySlider", "rocketGravity", 250, 100.0F, 450.0F, 1.0, 0.0, "pt/s²",
      "Rocket gravity", "how strongly rockets are pulled down"},
     {Parameter::ExplodeLife, "explodeLifeSlider", "fireworkLifetime", 20, 5.0F, 50.0F, 0.1, 0.0, "s", "Burst life",
      "how long the sparks of a burst glow; at 50 they fade out completely"},
@@ -70,11 +70,11 @@ inline constexpr std::array<ParameterRow, parameterCount> parameterTable{{
     {Parameter::ExplodeGravity, "explodeGravitySlider", "fireworkGravity", 80, 0.0F, 300.0F, 1.0, 0.0, "pt/s²",
      "Burst gravity", "how strongly bursts sink: 0 leaves a round ball, more makes a willow"},
     {Parameter::SparkleBirth, "sparkleBirthSlider", "sparkleBirth", 10, 0.0F, 20.0F, 10.0, 0.0, "/s", "Sparkle rate",
-     "is kept with the show; carriers of sparkles always come at 100 a second"},
+     "nothing that can be seen; its position is kept with the others"},
     {Parameter::SparkleLife, "sparkleLifeSlider", "sparkleLifetime", 18, 9.0F, 40.0F, 0.1, 0.0, "s", "Sparkle life",
      "how long sparkles go on flickering after a burst"},
     {Parameter::SparkleSize, "sparkleSizeSlider", "sparkleScale", 6, 1.0F, 12.0F, 10.0, 0.0, "%", "Sparkle size",
-     "is kept with the show; the size of the invisible carriers of sparkles"},
+     "nothing that can be seen; its position is kept with the others"},
     {Parameter::AnimateSpeed, "animateSpeedSlider", "animationSpeed", 100, 0.0F, 200.0F, 1.0, 0.0, "%",
      "Animation speed", "how fast time runs: 0 freezes the show, 100 is natural, 200 is double speed"},
 }};

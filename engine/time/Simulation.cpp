@@ -37,14 +37,14 @@ Color bornColor(const CellPlan& cell, const Color& emitter, ParticleKey key) {
 
 /// A direction within the cell's cone, uniform by solid angle (the height on a sphere's axis is uniform: Archimedes).
 Vector3 bornDirection(const CellPlan& cell, const Vector3& emitterDirection, ParticleKey key) {
-    const Vector3 axis = frameAlong(emitterDirection).toSpace(cell.axis);
+    const Vector3 axis = orientationAlong(emitterDirection).toSpace(cell.axis);
     if (cell.coneDepth == 0.0) {
         return axis;
     }
     const double cosine = 1.0 - uniform(key, Draw::ConeHeight) * cell.coneDepth;
     const double sine = std::sqrt(std::max(1.0 - cosine * cosine, 0.0));
     const auto turn = sineCosine(2.0 * std::numbers::pi * uniform(key, Draw::ConeTurn));
-    return frameAlong(axis).toSpace({cosine, sine * turn.cosine, sine * turn.sine});
+    return orientationAlong(axis).toSpace({cosine, sine * turn.cosine, sine * turn.sine});
 }
 
 } // namespace

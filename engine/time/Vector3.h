@@ -33,7 +33,7 @@ inline double length(const Vector3& v) {
 }
 
 /// Three perpendicular unit vectors.
-struct Frame {
+struct Orientation {
     Vector3 forward{1.0, 0.0, 0.0};
     Vector3 left{0.0, 1.0, 0.0};
     Vector3 up{0.0, 0.0, 1.0};
@@ -41,10 +41,10 @@ struct Frame {
     constexpr Vector3 toSpace(const Vector3& v) const { return v.x * forward + v.y * left + v.z * up; }
 };
 
-/// The frame that looks along `direction`, with `left` as near to the plane of the picture as can be: for a direction
-/// in that plane it is the direction turned by a quarter, counter-clockwise. The direction need not have unit length;
-/// one without length gives the frame of the stage itself.
-inline Frame frameAlong(const Vector3& direction) {
+/// The orientation that looks along `direction`, with `left` as near to the plane of the picture as can be: for a
+/// direction in that plane it is the direction turned by a quarter, counter-clockwise. The direction need not have unit
+/// length; one without length gives that of the stage itself.
+inline Orientation orientationAlong(const Vector3& direction) {
     const double size = length(direction);
     if (!(size > 0.0)) {
         return {};

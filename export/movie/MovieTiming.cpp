@@ -58,7 +58,8 @@ double frameTime(std::int64_t frame, int framesPerSecond) {
 }
 
 std::int64_t frameCount(double seconds, int framesPerSecond) {
-    const double frames = seconds * framesPerSecond;
+    // A length such as 2.3 lies a last bit off its decimal text, which must not cost a frame.
+    const double frames = seconds * framesPerSecond * (1.0 + 1.0e-12);
     if (!(frames > 0.0)) {
         return 0;
     }

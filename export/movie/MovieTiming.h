@@ -34,7 +34,8 @@ std::vector<LaunchStep> fadeInSteps(double birthPosition, double fadeSeconds);
 /// When a frame is shown, in seconds from the start. `framesPerSecond` must be greater than 0.
 double frameTime(std::int64_t frame, int framesPerSecond);
 
-/// How many whole frames fit into a movie of this length: seconds x framesPerSecond without its fraction. 0 for lengths
+/// How many whole frames fit into a movie of this length: seconds x framesPerSecond without its fraction (one within
+/// 1e-12 of the next whole number counts as that). 0 for lengths
 /// that are negative or no number; what does not fit the type gives its largest value.
 std::int64_t frameCount(double seconds, int framesPerSecond);
 

@@ -259,4 +259,9 @@ Result<SparkImage> decodeSparkImage(std::span<const std::byte> png) {
     }
 }
 
+std::shared_ptr<const SparkImage> sharedSparkImage(std::span<const std::byte> png) {
+    auto image = decodeSparkImage(png);
+    return image ? std::make_shared<const SparkImage>(std::move(image).value()) : nullptr;
+}
+
 } // namespace starbloom

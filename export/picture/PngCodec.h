@@ -6,6 +6,7 @@
 #include "engine/model/SparkImage.h"
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -26,5 +27,9 @@ Result<std::vector<std::byte>> encodePng(const ImageBuffer& image);
 /// The bytes are not trusted: what is no PNG, is cut short, or is larger than 4096 pixels in a direction gives an Error
 /// that says so. Bytes after the end of the picture are ignored.
 Result<SparkImage> decodeSparkImage(std::span<const std::byte> png);
+
+/// The same for a show to share; null when it cannot be decoded. A show without its image is no failure that anybody is
+/// told of: nothing but the background shows.
+std::shared_ptr<const SparkImage> sharedSparkImage(std::span<const std::byte> png);
 
 } // namespace starbloom

@@ -32,6 +32,7 @@ TEST(Options, TheNameTellsWhatComesOut) {
     EXPECT_EQ(kindOf("a.png"), OutputKind::Picture);
     EXPECT_EQ(kindOf("a.PNG"), OutputKind::Picture);
     EXPECT_EQ(kindOf("100%.png"), OutputKind::Picture);
+    EXPECT_EQ(kindOf("a%%05d.png"), OutputKind::Picture);
     EXPECT_EQ(kindOf("a.mp4"), OutputKind::Movie);
     EXPECT_EQ(kindOf("folder%05d/a.png"), OutputKind::Picture);
     EXPECT_EQ(kindOf("a%05d.png"), OutputKind::Frames);
@@ -88,8 +89,10 @@ TEST(Options, BadInputSaysWhatIsWrong) {
         {{"--size", "20000x100", "a.mp4"}, "16384"},
         {{"--set", "rocketBirth=5", "a.png"}, "no parameter 'rocketBirth'"},
         {{"--set", "rocketBirthSlider", "a.png"}, "NAME=POSITION"},
-        {{"--set", "rocketBirthSlider=41", "a.png"}, "from 1 to 40"},
+        {{"--set", "rocketBirthSlider=41", "a.png"}, "from 3 to 40"},
         {{"--set", "rocketBirthSlider=nan", "a.png"}, "not 'nan'"},
+        {{"--fade-in", "0.2", "a.mp4"}, "at least 0.5"},
+        {{".png"}, "no name"},
         {{"--seed", "-1", "a.png"}, "--seed"},
         {{"--fps", "30.5", "a.mp4"}, "whole number"},
         {{"--at", "inf", "a.png"}, "--at"},
@@ -107,6 +110,7 @@ TEST(Options, BadInputSaysWhatIsWrong) {
 
 TEST(Options, OptionsWithoutEffectAreMentioned) {
     EXPECT_EQ(parse({"--at", "3", "a.mp4"}).value().warnings.size(), 1U);
+    EXPECT_EQ(parse({"--set", "animateSpeedSlider=0", "a.png"}).value().warnings.size(), 1U);
     EXPECT_EQ(parse({"--fps", "25", "--seconds", "3", "a.png"}).value().warnings.size(), 2U);
 }
 

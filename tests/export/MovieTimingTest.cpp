@@ -54,6 +54,9 @@ TEST(MovieTiming, framesAndSeconds) {
     EXPECT_EQ(frameTime(1, 3), 1.0 / 3.0);
     EXPECT_EQ(frameCount(2.0, 30), 60);
     EXPECT_EQ(frameCount(0.999, 30), 29);
+    EXPECT_EQ(frameCount(3.5, 25), 87);
+    EXPECT_EQ(frameCount(2.3, 100), 230);
+    EXPECT_EQ(frameCount(4.35, 100), 435);
     EXPECT_EQ(frameCount(-0.5, 30), 0);
     EXPECT_EQ(frameCount(noNumber, 30), 0);
     EXPECT_EQ(frameCount(infinity, 30), std::numeric_limits<std::int64_t>::max());

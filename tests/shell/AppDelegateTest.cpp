@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
+#include "tests/support/HandDrivenCalls.h"
+#include "tests/support/TemporaryFolder.h"
 #include "views/ParameterSlider.h"
 
 #include <QAction>
@@ -18,7 +20,6 @@ using namespace std::chrono_literals;
 class AppDelegateTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        slider(Parameter::SparkleLife).setPosition(25.0F); // Not what the tree is built with.
         app.launch();
         ASSERT_TRUE(QTest::qWaitFor([this] { return stage().renderedFrames() > 0; }));
     }
@@ -41,13 +42,16 @@ protected:
     float speed() { return app.controller().mortor().speed; }
 
     std::chrono::nanoseconds now = 1h;
-    AppDelegate app{20, [this] { return now; }};
+    TemporaryFolder home;
+    HandDrivenCalls calls;
+    AppDelegate app{AppFolder(home.path()), calls, 20, [this] { return now; }};
 };
 
 TEST_F(AppDelegateTest, StartsWithThePositionsOfTheSlidersOnAStageOfTheDefaultSize) {
     EXPECT_EQ(stage().size(), (Size{640.0, 480.0}));
     EXPECT_EQ(app.controller().mortor().emitterPosition, (Point{320.0, 0.0}));
-    EXPECT_EQ(number("emitterCells.rocket.emitterCells.preSpark.lifetime"), 2.5);
+    // Only the first use of the sliders gives the rockets of a fresh tree different speeds.
+    EXPECT_EQ(number("emitterCells.rocket.velocityRange"), 100.0);
     // The spark's picture was found: within some seconds there is light.
     int brightest = 0;
     for (int second = 1; second <= 10; ++second) {

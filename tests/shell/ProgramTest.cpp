@@ -25,7 +25,7 @@ TEST(Program, WithoutADisplaySaysSoInOneLine) {
         QProcess program;
         runWithoutDisplay(program, {}, deadDisplay);
         EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(program.exitCode(), 1);
+        EXPECT_EQ(program.exitCode(), 3);
         const QByteArray message = program.readAllStandardError();
         EXPECT_EQ(message.count('\n'), 1) << message.constData();
         EXPECT_TRUE(message.contains("no display") && message.contains("starbloom-render")) << message.constData();
@@ -42,6 +42,10 @@ TEST(Program, AnswersQuestionsWithoutADisplay) {
     runWithoutDisplay(wrong, {QStringLiteral("--nonsense")});
     EXPECT_NE(wrong.exitCode(), 0);
     EXPECT_TRUE(wrong.readAllStandardError().contains("nonsense"));
+    QProcess file;
+    runWithoutDisplay(file, {QStringLiteral("show.png")});
+    EXPECT_EQ(file.exitCode(), 2);
+    EXPECT_TRUE(file.readAllStandardError().contains("show.png"));
 }
 
 } // namespace

@@ -21,8 +21,8 @@ TemporaryFolder::~TemporaryFolder() {
     std::filesystem::remove_all(m_path, ignored);
 }
 
-int TemporaryFolder::entryCount() const {
-    return static_cast<int>(std::distance(std::filesystem::directory_iterator(m_path), {}));
+int TemporaryFolder::countIn(const std::filesystem::path& folder) {
+    return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder), {}));
 }
 
 std::string readFile(const std::filesystem::path& path) {

@@ -19,7 +19,10 @@ public:
     std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
 
     /// How many files and folders lie in it, hidden ones too: leftovers show up here.
-    int entryCount() const;
+    int entryCount() const { return countIn(m_path); }
+
+    /// The same of any folder.
+    static int countIn(const std::filesystem::path& folder);
 
 private:
     std::filesystem::path m_path;

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace starbloom {
+
+/// What a panel for choosing one existing file or folder shows.
+struct FilePanelRequest {
+    enum class Kind { Folder, File };
+
+    Kind kind = Kind::Folder;
+    std::string message;                              ///< What the choice is for, in the user's language, UTF-8.
+    std::string title;                                ///< The panel's title, in the user's language, UTF-8.
+    std::optional<std::filesystem::path> startFolder; ///< Nothing leaves the choice to the panel.
+    bool canCreateFolders = false;
+};
+
+/// Asks the user for a file or folder. The shell implements it with a window, a test with prepared answers.
+class FilePanel {
+public:
+    virtual ~FilePanel() = default;
+
+    /// Shows the panel and answers once, on the same thread, with the choice, or with nothing when the user cancels.
+    /// Returns at once; the answer may come before or after that, and never after the panel has been destroyed.
+    virtual void ask(const FilePanelRequest& request,
+                     std::function<void(std::optional<std::filesystem::path> choice)> answer) = 0;
+};
+
+} // namespace starbloom

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/Application.h"
+
+#include "base/Log.h"
+#include "persistence/stores/KeyValueStore.h"
+
+#include <QMessageBox>
+
+#include <utility>
+
+namespace starbloom {
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const StoreFailure& failure) {
+        tell(failure);
+        return true;
+    }
+}
+
+void Application::tell(const std::runtime_error& failure) {
+    log(LogLevel::Warning, "persistence", failure.what());
+    if (std::exchange(m_told, true)) {
+        return;
+    }
+    auto* box = new QMessageBox(QMessageBox::Warning, tr("Settings cannot be saved"),
+                                tr("Your latest settings could not be saved. The show goes on; restart Starbloom to "
+                                   "have its settings files repaired."),
+                                QMessageBox::Ok, activeWindow());
+    box->setObjectName(QStringLiteral("storeFailure"));
+    box->setInformativeText(QString::fromUtf8(failure.what()));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+} // namespace starbloom

@@ -163,8 +163,9 @@ KeyValueStore::Reading KeyValueStore::read(bool pastDamage) const {
         return failed(database.code(), database.message());
     }
     if (pastDamage) {
-        // With this SQLite reads a file that ends early as far as it goes. Nothing is written in this mode.
-        database.execute("PRAGMA writable_schema=ON");
+        // With these SQLite reads a file that ends early, or has a damaged page, as far as it goes. Nothing is written
+        // in this mode.
+        database.execute("PRAGMA writable_schema=ON; PRAGMA cell_size_check=OFF");
     }
     auto select = database.prepare(m_definition.select);
     if (!select) {

@@ -21,30 +21,15 @@ void require(bool condition) {
 }
 
 /// A folder of this process, in memory where the system offers that.
-const std::filesystem::path& folder() {
-    static const std::filesystem::path path = [] {
-        const std::filesystem::path memory = "/dev/shm";
-        const auto parent = std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
-        auto own = parent / ("starbloom-fuzz-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(own);
-        std::atexit([] {
-            std::error_code ignored;
-            std::filesystem::remove_all(folder(), ignored);
-        });
-        return own;
-    }();
-    return path;
-}
-
-void clearFolder() {
-    for (const auto& entry : std::filesystem::directory_iterator(folder())) {
-        std::filesystem::remove_all(entry.path());
-    }
+std::filesystem::path folder() {
+    const std::filesystem::path memory = "/dev/shm";
+    const auto parent = std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
+    return parent / ("starbloom-fuzz-" + std::to_string(::getpid()));
 }
 
 /// What a run does with a store: reading and saving before and after the launch has looked at the file.
 void use(const StoreDefinition& definition, const std::string& bytes) {
-    clearFolder();
+    std::filesystem::create_directories(folder());
     const auto file = folder() / "Data.data";
     std::ofstream(file, std::ios::binary) << bytes;
     KeyValueStore store(file, definition);
@@ -60,6 +45,8 @@ void use(const StoreDefinition& definition, const std::string& bytes) {
         require(false); // after a launch a store can be saved in
     }
     require(store.readAll().has_value());
+    // Here and not at exit, because the fuzzer ends without running what is to run then.
+    std::filesystem::remove_all(folder());
 }
 
 } // namespace

@@ -34,6 +34,14 @@ def rows(name, keys, value="'0'"):
     return [f"INSERT INTO {name} (field,value) values ('{key}', {value})" for key in keys]
 
 
+def with_endless_row(content):
+    """Makes a row of the schema claim a length that no memory could hold."""
+    forged = bytearray(content)
+    row = int.from_bytes(forged[110:112], "big")
+    forged[row:row + 18] = b"\xff" * 18
+    return bytes(forged)
+
+
 def main():
     FOLDER.mkdir(parents=True, exist_ok=True)
     keys = [f"Value{number:02}" for number in range(12)]
@@ -51,6 +59,7 @@ def main():
         "trigger": database(table("Windows"), *rows("Windows", ["Width0", "Width1", "Height1"]),
                             "CREATE TRIGGER t AFTER UPDATE ON Windows BEGIN DELETE FROM Windows; END"),
         "cut": preferences[:1100],
+        "endless-row": with_endless_row(preferences),
         "empty": b"",
         "text": b"no database",
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/persistence/stores/StoreFixture.h"
+#include "tests/support/FileSizeLimit.h"
 
 #include <csignal>
 #include <sys/resource.h>
@@ -74,6 +75,15 @@ TEST_F(DamagedStoreTest, flippedBytesNeverCrashNorLoseTheFile) {
         ASSERT_EQ(values->size(), 99U) << at;
         std::filesystem::remove(copy());
     }
+}
+
+TEST_F(DamagedStoreTest, aRowThatClaimsMoreThanMemoryHoldsCountsAsDamage) {
+    std::string bytes = readFile(file);
+    const auto high = static_cast<unsigned char>(bytes[110]); // where the second row of the schema begins
+    const auto low = static_cast<unsigned char>(bytes[111]);
+    bytes.replace(high * 256U + low, 18, 18, '\xFF');
+    write(bytes);
+    expectReplaced(bytes, "an endless row");
 }
 
 TEST_F(DamagedStoreTest, foreignFilesAreKeptBesideAndReplaced) {
@@ -224,26 +234,6 @@ TEST_F(DamagedStoreTest, aReadOnlyStoreIsReadAndKeepsItsValues) {
     store().openCreate();
     EXPECT_EQ(store().readAll()->at(5), "7");
 }
-
-/// Makes every write fail that would let a file grow beyond a size, as a full disk does.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = nullptr;
-};
 
 TEST_F(DamagedStoreTest, onAFullDiskNoHalfStoreComesIntoBeing) {
     std::filesystem::remove(file);

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/TemporaryFolder.h"
 
-#include <QApplication>
 #include <gtest/gtest.h>
+
+// Each program says which class its application is of.
+#include STARBLOOM_APPLICATION_HEADER
 
 #include <fstream>
 
@@ -21,6 +23,6 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", ("offscreen:configfile=" + screen.string()).c_str());
     }
     ::testing::InitGoogleTest(&argc, argv);
-    const QApplication application(argc, argv);
+    const STARBLOOM_APPLICATION application(argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -246,7 +246,8 @@ void warnAboutIdleOptions(const CLI::App& app, Options& options) {
 
 void declare(CLI::App& app, RawOptions& raw, Options& options) {
     app.add_option("OUTPUT", raw.output,
-                   "What to make: NAME.png, NAME.m4v or NAME.mp4, or NAME%05d.png for numbered frames");
+                   "What to make: NAME.png, NAME.m4v or NAME.mp4, or NAME%05d.png for numbered frames")
+        ->type_name("");
     app.add_option("--size", raw.size, "Size of the stage in pixels (default 640x480)")->type_name("WxH");
     app.add_option("--at", raw.at, "Moment of a picture or of --particles (default 5)")->type_name("SECONDS");
     app.add_option("--from", raw.from, "Moment of the first frame (default 0)")->type_name("SECONDS");

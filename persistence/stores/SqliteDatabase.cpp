@@ -110,6 +110,8 @@ void SqliteDatabase::limit() {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    // Without this, a damaged page can send SQLite past its end, and the same file reads now this way, now that.
+    execute("PRAGMA cell_size_check=ON");
     sqlite3_progress_handler(handle, mostSteps, &giveUp, nullptr);
 }
 

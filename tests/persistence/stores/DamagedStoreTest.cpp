@@ -2,8 +2,6 @@
 #include "tests/persistence/stores/StoreFixture.h"
 #include "tests/support/FileSizeLimit.h"
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -55,8 +55,10 @@ void AppDelegate::readStores() {
     // The switches first: they decide what becomes of the window's saved place.
     m_stores.populateDB2();
     m_stores.populateDB1(DesktopDocuments());
-    if (m_stores.populateDB0()) {
-        m_windowPlace.restore(fileExists(m_folder.filePath0()));
+    // Frames that are there and cannot be read leave the window to the desktop; without a file it is centred.
+    const bool exists = fileExists(m_folder.filePath0());
+    if (m_stores.populateDB0() || !exists) {
+        m_windowPlace.restore(exists);
     }
     m_stores.setMain();
 }

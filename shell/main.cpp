@@ -4,6 +4,7 @@
 #include "shell/LogCategories.h"
 #include "shell/QtDelayedCalls.h"
 #include "shell/ShowSeed.h"
+#include "views/Texts.h"
 
 #include <QCommandLineParser>
 
@@ -91,6 +92,7 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(usualHandler);
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("starbloom"));
+    starbloom::loadTexts();
     readArguments(application);
 
     starbloom::sendLogToCategories();

@@ -51,7 +51,7 @@ StageView::StageView(std::uint64_t seed, ClockSource clockSource, QWidget* paren
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setObjectName(QStringLiteral("stage"));
-    setAccessibleName(tr("Fireworks stage"));
+    setAccessibleName(qtTrId("stageName"));
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &StageView::showDueFrame);

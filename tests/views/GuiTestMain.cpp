@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/TemporaryFolder.h"
+#include "views/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -24,5 +25,6 @@ int main(int argc, char** argv) {
     }
     ::testing::InitGoogleTest(&argc, argv);
     const STARBLOOM_APPLICATION application(argc, argv);
+    starbloom::loadTexts(QLocale(QLocale::English));
     return RUN_ALL_TESTS();
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/ParameterSlider.h"
 
+#include "views/Texts.h"
+
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMouseEvent>
@@ -9,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace starbloom {
 
@@ -32,11 +35,7 @@ ParameterSlider::ParameterSlider(const ParameterRow& row, QWidget* parent)
     , m_row(row)
     , m_stepsPerPosition(stepsPerPosition(row))
     , m_position(static_cast<float>(row.resetPosition)) {
-    const auto title = QString::fromUtf8(row.title.data(), static_cast<qsizetype>(row.title.size()));
-    const auto effect = QString::fromUtf8(row.effect.data(), static_cast<qsizetype>(row.effect.size()));
     setObjectName(QString::fromUtf8(row.name.data(), static_cast<qsizetype>(row.name.size())));
-    setAccessibleName(title);
-    setAccessibleDescription(effect);
     setFocusPolicy(Qt::StrongFocus);
     setRange(0, static_cast<int>(std::lround((row.maximum - row.minimum) * static_cast<float>(m_stepsPerPosition))));
     setSingleStep(stepsPerArrowKey);
@@ -66,8 +65,7 @@ QString ParameterSlider::text(const ParameterRow& row, float position) {
     const double units = static_cast<double>(position) * row.unitsPerPosition + row.unitsAtZero;
     // Adding 0 turns a rounded -0 into 0.
     const double rounded = std::round(units * scale) / scale + 0.0;
-    const auto unit = QString::fromUtf8(row.unit.data(), static_cast<qsizetype>(row.unit.size()));
-    return QLocale().toString(rounded, 'f', decimals) + QChar::Nbsp + unit;
+    return textOf(std::string(row.name) + "Unit").arg(QLocale().toString(rounded, 'f', decimals));
 }
 
 void ParameterSlider::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -14,7 +14,8 @@ namespace starbloom {
 /// the position it was given, to the bit, and shows the nearest step, until the user moves it. Positions beyond the
 /// ends of the range are kept, too. A double-click or the Delete key puts it back to its reset position.
 ///
-/// It carries the parameter's name as object name. Refers to a row of parameterTable. Used on the GUI thread.
+/// It carries the parameter's name as object name; its words are its owner's. Refers to a row of parameterTable. Used
+/// on the GUI thread.
 class ParameterSlider : public QSlider {
     Q_OBJECT
 

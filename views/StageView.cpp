@@ -68,15 +68,12 @@ QSize StageView::sizeHint() const {
 }
 
 QSize StageView::minimumSizeHint() const {
-    return sizeHint() / 4;
+    return minimumStage;
 }
 
 void StageView::setRootLayer(std::shared_ptr<const RootLayer> rootLayer) {
     m_rootLayer = std::move(rootLayer);
-    m_realTime = m_clockSource();
-    m_clock = LayerClock(0.0);
-    m_simulation.reset();
-    readLayer();
+    restart();
 }
 
 void StageView::layerChanged() {
@@ -91,17 +88,38 @@ void StageView::layerChanged() {
 void StageView::readLayer() {
     if (m_rootLayer != nullptr && !m_rootLayer->sublayers.empty()) {
         const EmitterLayer& emitter = *m_rootLayer->sublayers.front();
-        if (m_simulation) {
-            m_simulation->setPlan(EmitterPlan::of(emitter));
-        } else {
-            m_simulation.emplace(m_seed, EmitterPlan::of(emitter));
-        }
+        takePlan(emitter);
         m_clock.setSpeed(clockSpeed(emitter));
+        if (m_recording) {
+            m_recording->clock.setSpeed(m_clock.speed());
+        }
     }
     startOrStop();
     if (!m_playing) {
         invalidate();
     }
+}
+
+void StageView::takePlan(const EmitterLayer& emitter) {
+    EmitterPlan plan = EmitterPlan::of(emitter);
+    if (!m_simulation) {
+        m_simulation.emplace(m_seed, std::move(plan));
+        m_steady = true;
+    } else if (plan != m_simulation->plan()) {
+        if (m_recording) {
+            m_recording->simulation->setPlan(plan);
+        }
+        m_simulation->setPlan(std::move(plan));
+        m_steady = false;
+    }
+}
+
+void StageView::restart() {
+    m_realTime = m_clockSource();
+    m_clock = LayerClock(0.0);
+    m_simulation.reset();
+    readLayer();
+    invalidate();
 }
 
 void StageView::passTimeUntil(std::chrono::nanoseconds moment) {
@@ -177,17 +195,50 @@ void StageView::render(const QSize& pixels, double pixelsPerPoint) {
     if (m_picture.size() != pixels) {
         m_picture = QImage(pixels, pictureFormat);
     }
-    RasterRenderer::View view;
-    view.time = m_clock.time();
-    view.pixelsPerPoint = pixelsPerPoint;
-    view.background = m_rootLayer != nullptr ? m_rootLayer->backgroundColor : Color{0.0F, 0.0F, 0.0F, 1.0F};
     const RasterTarget target{m_picture.bits(), static_cast<std::size_t>(m_picture.bytesPerLine()), pixels.width(),
                               pixels.height(), PixelOrder::Bgra};
-    m_renderer.render(m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{}, view, target);
+    m_renderer.render(m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{},
+                      {.time = m_clock.time(), .pixelsPerPoint = pixelsPerPoint, .background = background()}, target);
     m_pixelsPerPoint = pixelsPerPoint;
-    m_shownTime = view.time;
+    m_shownTime = m_clock.time();
     m_stale = false;
     ++m_renderedFrames;
+}
+
+Color StageView::background() const {
+    return m_rootLayer != nullptr ? m_rootLayer->backgroundColor : Color{0.0F, 0.0F, 0.0F, 1.0F};
+}
+
+void StageView::renderInto(ImageBuffer& image, const std::optional<Simulation>& simulation, double time) {
+    m_captureRenderer.render(simulation ? simulation->sparks() : std::span<const SparkBatch>{},
+                             {.time = time, .pixelsPerPoint = 1.0, .background = background()},
+                             RasterTarget::of(image));
+}
+
+StageView::Capture StageView::capture() {
+    Capture taken{ImageBuffer(width(), height()), m_clock.time(), m_steady};
+    renderInto(taken.image, m_simulation, taken.moment);
+    return taken;
+}
+
+void StageView::beginRecording() {
+    m_recording = Recording{m_realTime, m_clock, m_simulation};
+}
+
+void StageView::record(std::chrono::nanoseconds moment, ImageBuffer& image) {
+    if (moment > m_recording->realTime) {
+        m_recording->clock.advance(moment - m_recording->realTime);
+        m_recording->realTime = moment;
+    }
+    const double time = m_recording->clock.time();
+    if (m_recording->simulation) {
+        m_recording->simulation->advanceTo(time);
+    }
+    renderInto(image, m_recording->simulation, time);
+}
+
+void StageView::endRecording() {
+    m_recording.reset();
 }
 
 void StageView::showEvent(QShowEvent* event) {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/ImageBuffer.h"
 #include "engine/panel/Stage.h"
 #include "engine/raster/RasterRenderer.h"
+#include "engine/time/EmitterPlan.h"
 #include "engine/time/LayerClock.h"
 #include "engine/time/Simulation.h"
 #include "views/FrameSchedule.h"
@@ -38,6 +40,9 @@ class StageView : public QWidget, public Stage {
     Q_OBJECT
 
 public:
+    /// Smaller than this, in points, a show has no room.
+    static constexpr QSize minimumStage{480, 320};
+
     /// A reading of a clock that never goes back.
     using ClockSource = std::function<std::chrono::nanoseconds()>;
 
@@ -52,6 +57,27 @@ public:
 
     void setRootLayer(std::shared_ptr<const RootLayer> rootLayer) override;
     void layerChanged() override;
+
+    /// Begins the show anew, at moment 0, with the numbers that the layer has now.
+    void restart();
+
+    /// The present moment of the show as a picture, opaque, with one pixel for each point, whatever the screen has.
+    struct Capture {
+        ImageBuffer image;
+        double moment = 0.0; ///< In the layer's own time, seconds.
+        bool steady = true;  ///< Whether the cells' numbers have been the same from moment 0 on.
+    };
+
+    Capture capture();
+
+    /// A second look at the show, for a recording: it begins at the present moment and goes on at its own pace.
+    void beginRecording();
+
+    /// Draws the recorded show as it is at a moment of the clock, not before the moment drawn last, into a picture with
+    /// one pixel for each point. New numbers in the layer count from the next moment on. Only while recording.
+    void record(std::chrono::nanoseconds moment, ImageBuffer& image);
+
+    void endRecording();
 
     /// The picture shown last, in pixels of the screen.
     const QImage& picture() const { return m_picture; }
@@ -88,6 +114,9 @@ private:
     void readLayer();
     void invalidate();
     void render(const QSize& pixels, double pixelsPerPoint);
+    void renderInto(ImageBuffer& image, const std::optional<Simulation>& simulation, double time);
+    Color background() const;
+    void takePlan(const EmitterLayer& emitter);
 
     const std::uint64_t m_seed;
     ClockSource m_clockSource;
@@ -96,7 +125,17 @@ private:
     std::chrono::nanoseconds m_realTime{}; ///< Up to where m_clock has followed real time.
     LayerClock m_clock{0.0};
     std::optional<Simulation> m_simulation; ///< Nothing until there is a layer.
+    bool m_steady = true;                   ///< Whether it has had that plan from the start.
     RasterRenderer m_renderer;
+
+    struct Recording {
+        std::chrono::nanoseconds realTime;
+        LayerClock clock;
+        std::optional<Simulation> simulation;
+    };
+
+    std::optional<Recording> m_recording;
+    RasterRenderer m_captureRenderer; ///< Apart, for it keeps sprites of another scale.
 
     FrameSchedule m_schedule;
     QTimer m_timer; ///< Runs towards the next frame; stopped while there is none to come.

@@ -50,6 +50,8 @@ struct EmitterPlan {
 
     /// Whether both have the same cells in the same places, whatever their numbers.
     bool hasSameShapeAs(const EmitterPlan& other) const;
+
+    friend bool operator==(const EmitterPlan&, const EmitterPlan&) = default;
 };
 
 } // namespace starbloom

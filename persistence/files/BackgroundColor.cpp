@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "persistence/files/BackgroundColor.h"
 
-#include "base/KeptCopy.h"
-#include "base/Log.h"
-#include "base/WholeFile.h"
+#include "persistence/files/KeptList.h"
 #include "persistence/files/PropertyList.h"
 
 #include <algorithm>
@@ -179,32 +177,11 @@ Result<Color> decodeBackgroundColor(std::span<const std::byte> bytes) {
 }
 
 Result<void> saveBackgroundColor(const std::filesystem::path& file, const Color& color) {
-    const auto bytes = encodeBackgroundColor(color);
-    if (!bytes) {
-        return bytes.error();
-    }
-    return replaceFile(file, bytes.value(), PropertyList::largestSize,
-                       [](std::span<const std::byte> present) -> Result<void> {
-                           const auto decoded = decodeBackgroundColor(present);
-                           return decoded ? Result<void>() : decoded.error();
-                       });
+    return saveKept(file, encodeBackgroundColor(color), decodeBackgroundColor);
 }
 
 std::optional<Color> loadBackgroundColor(const std::filesystem::path& file) {
-    const auto bytes = readWholeFile(file, PropertyList::largestSize);
-    if (!bytes) {
-        log(LogLevel::Warning, "persistence", bytes.error().message);
-        return std::nullopt;
-    }
-    if (!bytes.value()) {
-        return std::nullopt;
-    }
-    const auto color = decodeBackgroundColor(*bytes.value());
-    if (!color) {
-        log(LogLevel::Warning, "persistence", "cannot read " + file.string() + ": " + color.error().message);
-        return std::nullopt;
-    }
-    return color.value();
+    return loadKept<Color>(file, decodeBackgroundColor);
 }
 
 } // namespace starbloom

@@ -60,6 +60,7 @@ void Presets::saveSettings6b() {
         m_store.saveData1(textOfFloat(positions[i]), "Value" + std::to_string(firstPosition + i));
     }
     m_store.reloadOnlyDB1();
+    m_callbacks.saved();
 }
 
 } // namespace starbloom

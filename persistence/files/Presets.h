@@ -26,10 +26,11 @@ public:
     virtual void reloadOnlyDB1() = 0;
 };
 
-/// What happens around a preset. Both must be set.
+/// What happens around a preset. The first two must be set.
 struct PresetCallbacks {
     std::function<void()> slidersMoved;                     ///< All sliders have new positions: apply them.
     std::function<void(bool enabled)> setSaveButtonEnabled; ///< The button of the sidebar that saves.
+    std::function<void()> saved = [] {};                    ///< A delayed save has reached the store.
 };
 
 /// Keeps the fourteen slider positions as the user's preset, in "Value10" to "Value23" in the panel's order.

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "persistence/files/SharedFolder.h"
 
-#include "base/KeptCopy.h"
-#include "base/Log.h"
-#include "base/WholeFile.h"
+#include "persistence/files/KeptList.h"
 #include "persistence/files/PropertyList.h"
 
 #include <cstdint>
@@ -70,18 +68,6 @@ bool isFolder(const std::filesystem::path& path) {
     return std::filesystem::is_directory(path, ignored);
 }
 
-Result<void> saved(const std::filesystem::path& file, const std::filesystem::path& folder) {
-    const auto bytes = encodeSharedFolder(folder);
-    if (!bytes) {
-        return bytes.error();
-    }
-    return replaceFile(file, bytes.value(), PropertyList::largestSize,
-                       [](std::span<const std::byte> present) -> Result<void> {
-                           const auto decoded = decodeSharedFolder(present);
-                           return decoded ? Result<void>() : decoded.error();
-                       });
-}
-
 } // namespace
 
 std::string SharedFolder::text() const {
@@ -136,27 +122,15 @@ Result<std::filesystem::path> decodeSharedFolder(std::span<const std::byte> byte
 }
 
 SharedFolder saveSharedFolder(const std::filesystem::path& file, const std::filesystem::path& folder) {
-    if (const auto result = saved(file, folder); !result) {
+    if (const auto result = saveKept(file, encodeSharedFolder(folder), decodeSharedFolder); !result) {
         log(LogLevel::Warning, "persistence", result.error().message);
     }
     return loadSharedFolder(file);
 }
 
 SharedFolder loadSharedFolder(const std::filesystem::path& file) {
-    const auto bytes = readWholeFile(file, PropertyList::largestSize);
-    if (!bytes) {
-        log(LogLevel::Warning, "persistence", bytes.error().message);
-        return {};
-    }
-    if (!bytes.value()) {
-        return {};
-    }
-    const auto folder = decodeSharedFolder(*bytes.value());
-    if (!folder) {
-        log(LogLevel::Warning, "persistence", "cannot read " + file.string() + ": " + folder.error().message);
-        return {};
-    }
-    return isAnything(folder.value()) ? SharedFolder{folder.value()} : SharedFolder{};
+    const auto folder = loadKept<std::filesystem::path>(file, decodeSharedFolder);
+    return folder && isAnything(*folder) ? SharedFolder{*folder} : SharedFolder{};
 }
 
 std::optional<std::filesystem::path> startFolder(const std::filesystem::path& pathControlText,

@@ -81,11 +81,11 @@ TEST(ParameterSlider, SaysThePositionInItsUnit) {
     const auto text = [](Parameter parameter, float position) {
         return ParameterSlider::text(row(parameter), position).replace(QChar::Nbsp, u' ').toStdString();
     };
-    EXPECT_EQ(text(Parameter::RocketHeight, 5.0F), "0 % of height");
-    EXPECT_EQ(text(Parameter::RocketHeight, 4.99F), "0 % of height"); // And not -0.
-    EXPECT_EQ(text(Parameter::RocketHeight, 0.0F), "-50 % of height");
-    EXPECT_EQ(text(Parameter::RocketBirth, 5.0F), "0.5 rockets/s");
-    EXPECT_EQ(text(Parameter::RocketAngle, 1.0F), "45 °");
+    EXPECT_EQ(text(Parameter::RocketHeight, 5.0F), "0 %");
+    EXPECT_EQ(text(Parameter::RocketHeight, 4.99F), "0 %"); // And not -0.
+    EXPECT_EQ(text(Parameter::RocketHeight, 0.0F), "-50 %");
+    EXPECT_EQ(text(Parameter::RocketBirth, 5.0F), "0.5 /s");
+    EXPECT_EQ(text(Parameter::RocketAngle, 1.0F), "45°");
     EXPECT_EQ(text(Parameter::RocketVelocity, 400.0F), "400 pt/s");
     EXPECT_EQ(text(Parameter::ExplodeLife, 20.0F), "2.0 s");
     EXPECT_EQ(text(Parameter::SparkleBirth, 10.0F), "100 /s");

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/ColorWell.h"
+#include "views/ControlLook.h"
+#include "views/PathControl.h"
+#include "views/ResultLine.h"
+#include "views/SegmentedControl.h"
+#include "views/SymbolIcon.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QColorDialog>
+#include <QDir>
+#include <QLabel>
+#include <QPainter>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace starbloom {
+
+namespace {
+
+QPalette palette(QColor ground, QColor text) {
+    return {text, ground, ground, ground, ground, text, ground};
+}
+
+const QPalette light = palette(QColor(0xef, 0xef, 0xef), Qt::black);
+const QPalette dark = palette(QColor(0x35, 0x35, 0x35), Qt::white);
+
+/// The strongest contrast in a picture to what it lies on.
+double strongest(const QImage& picture, const QColor& ground) {
+    double found = 1.0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            found = std::max(found, contrast(picture.pixelColor(x, y), ground));
+        }
+    }
+    return found;
+}
+
+QImage onGround(const QIcon& icon, int side, double scale, QIcon::Mode mode, const QColor& ground) {
+    QImage image(QSize(side, side) * scale, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(ground);
+    QPainter painter(&image);
+    icon.paint(&painter, QRect(0, 0, side, side), Qt::AlignCenter, mode);
+    return image;
+}
+
+TEST(SymbolIcon, StandsOutOnLightAndDarkWithoutBeingMadeAgain) {
+    const QPalette before = QApplication::palette();
+    const QStringList files = QDir(QStringLiteral(":/icons")).entryList();
+    ASSERT_GE(files.size(), 8);
+    for (const QString& file : files) {
+        const QIcon icon = symbolIcon(file.chopped(4));
+        for (const QPalette& desktop : {light, dark}) {
+            QApplication::setPalette(desktop);
+            const QColor ground = desktop.color(QPalette::Window);
+            const double normal = strongest(onGround(icon, 24, 1.25, QIcon::Normal, ground), ground);
+            const double disabled = strongest(onGround(icon, 24, 1.25, QIcon::Disabled, ground), ground);
+            EXPECT_GT(normal, 9.0) << qPrintable(file);
+            EXPECT_GT(disabled, 2.0) << qPrintable(file);
+            EXPECT_LT(disabled, normal / 2.0) << qPrintable(file);
+        }
+    }
+    QApplication::setPalette(before);
+    EXPECT_EQ(symbolIcon(u"play").pixmap(QSize(24, 24), 2.0).size(), QSize(48, 48));
+}
+
+TEST(ControlLook, WhatMustBeReadCanBeRead) {
+    for (QPalette desktop : {light, dark}) {
+        const QColor window = desktop.color(QPalette::Window);
+        EXPECT_GE(contrast(errorColor(desktop), window), textContrast);
+        for (const QColor link : {QColor(0, 0, 255), QColor(0x80, 0xc0, 0xff), window}) {
+            desktop.setColor(QPalette::Link, link);
+            EXPECT_GE(contrast(linkColor(desktop), window), textContrast);
+        }
+    }
+}
+
+TEST(ColorWell, ShowsTheChoiceLiveAndCancellingTakesItBack) {
+    QWidget window;
+    auto* well = new ColorWell(&window);
+    window.show();
+    QSignalSpy picked(well, &ColorWell::colorPicked);
+    well->setColor(Qt::blue);
+    QTest::keyClick(well, Qt::Key_Return);
+    auto* dialog = window.findChild<QColorDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    well->click();
+    EXPECT_EQ(window.findChildren<QColorDialog*>().size(), 1);
+    EXPECT_FALSE(dialog->isModal());
+    EXPECT_EQ(dialog->currentColor(), QColor(Qt::blue));
+    EXPECT_EQ(picked.count(), 0);
+    dialog->setCurrentColor(Qt::green);
+    EXPECT_EQ(well->color(), QColor(Qt::green));
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    EXPECT_EQ(well->color(), QColor(Qt::blue));
+    ASSERT_EQ(picked.count(), 2);
+    EXPECT_EQ(picked.last().first().value<QColor>(), QColor(Qt::blue));
+
+    well->click(); // At once, before the old dialog has been deleted.
+    dialog = window.findChildren<QColorDialog*>().last();
+    dialog->setCurrentColor(Qt::red);
+    const QPointer<QColorDialog> open = dialog;
+    window.close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(open.isNull());
+    EXPECT_EQ(well->color(), QColor(Qt::red));
+}
+
+TEST(SegmentedControl, IsARowOfRadioButtonsToKeysAndToAssistivePrograms) {
+    SegmentedControl control;
+    EXPECT_EQ(control.selectedSegment(), -1);
+    control.addSegment(symbolIcon(u"play"), QStringLiteral("On"));
+    control.addSegment(symbolIcon(u"pause"), QStringLiteral("Off"));
+    EXPECT_EQ(control.sizeHint(), QSize(98, 32));
+    QSignalSpy selected(&control, &SegmentedControl::segmentSelected);
+    control.setSelectedSegment(1);
+    const auto segments = control.findChildren<QAbstractButton*>();
+    EXPECT_FALSE(segments[0]->focusPolicy() & Qt::TabFocus);
+    EXPECT_TRUE(segments[1]->focusPolicy() & Qt::TabFocus);
+    control.setSelectedSegment(0);
+    EXPECT_EQ(selected.count(), 0);
+
+    control.show();
+    control.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&control));
+    segments[0]->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(segments[0], Qt::Key_Right);
+    EXPECT_EQ(control.selectedSegment(), 1);
+    QTest::mouseClick(segments[1], Qt::LeftButton, {}, QPoint(2, 2));
+    EXPECT_EQ(selected.count(), 1);
+    EXPECT_FALSE(segments[0]->focusPolicy() & Qt::TabFocus);
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(segments[1]);
+    EXPECT_EQ(accessible->role(), QAccessible::RadioButton);
+    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Off"));
+    EXPECT_TRUE(accessible->state().checked);
+}
+
+TEST(PathControl, TakesAnyPathAsItIs) {
+    PathControl control;
+    const auto folder = QStringLiteral("/home/me/<b>R&D</b>/") + QString(200, u'x');
+    control.setStringValue(folder);
+    EXPECT_EQ(control.stringValue(), folder);
+    EXPECT_TRUE(control.toolTip().contains(folder.toHtmlEscaped()));
+    EXPECT_EQ(control.sizeHint(), QSize(180, 32));
+    QFont large = control.font();
+    large.setPointSize(40);
+    control.setFont(large);
+    EXPECT_GT(control.sizeHint().width(), QFontMetrics(large).horizontalAdvance(QStringLiteral("/Users/??\?/??\?")));
+    QSignalSpy clicked(&control, &QAbstractButton::clicked);
+    QTest::keyClick(&control, Qt::Key_Space);
+    QTest::keyClick(&control, Qt::Key_Enter);
+    EXPECT_EQ(clicked.count(), 2);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&control)->role(), QAccessible::Button);
+}
+
+TEST(ResultLine, TellsEveryMessageAndFollowsItsLink) {
+    ResultLine line;
+    line.resize(200, 22);
+    line.show();
+    EXPECT_EQ(line.minimumHeight(), 22);
+    EXPECT_LE(line.sizeHint().height(), 22);
+    const auto told = [&line] {
+        return QAccessible::queryAccessibleInterface(line.findChild<QLabel*>())->text(QAccessible::Name);
+    };
+    QSignalSpy activated(&line, &ResultLine::linkActivated);
+    const QUrl url = QUrl::fromLocalFile(QStringLiteral("/tmp/a b"));
+    const QString message = QStringLiteral("Saved <b>&amp;") + QString(100, u'x');
+    line.showResult(message, QStringLiteral("R&D"), url);
+    auto* link = line.findChild<QAbstractButton*>();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(told(), message);
+    EXPECT_LE(link->geometry().right(), 200);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(link)->text(QAccessible::Name), QStringLiteral("R&D"));
+    QTest::keyClick(link, Qt::Key_Return);
+    ASSERT_EQ(activated.count(), 1);
+    EXPECT_EQ(activated.first().first().toUrl(), url);
+    line.showError(QStringLiteral("No space"));
+    EXPECT_EQ(told(), QStringLiteral("Error: No space"));
+    EXPECT_FALSE(link->isVisible());
+    line.clear();
+    EXPECT_EQ(line.text(), QString());
+    EXPECT_EQ(told(), QString());
+}
+
+} // namespace
+
+} // namespace starbloom

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/ResultLine.h"
+
+#include "views/ControlLook.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QStyle>
+
+namespace starbloom {
+
+namespace {
+
+constexpr int lineHeight = 22;
+constexpr int symbolSize = 14;
+
+/// A disc with an exclamation mark.
+class ErrorSymbol : public QWidget {
+public:
+    explicit ErrorSymbol(QWidget* parent)
+        : QWidget(parent) {
+        setFixedSize(symbolSize, symbolSize);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(errorColor(palette()));
+        painter.drawEllipse(rect());
+        painter.setBrush(palette().color(QPalette::Active, QPalette::Window));
+        painter.drawRoundedRect(QRectF(6.0, 3.0, 2.0, 5.0), 0.75, 0.75);
+        painter.drawEllipse(QRectF(5.9, 9.0, 2.2, 2.2));
+    }
+};
+
+} // namespace
+
+/// A label that becomes as narrow as it must, and then shows the beginning of its text.
+class ResultLine::Message : public QLabel {
+public:
+    explicit Message(QWidget* parent)
+        : QLabel(parent) {
+        setTextFormat(Qt::PlainText);
+    }
+
+    void setText(const QString& text, bool error) {
+        m_error = error;
+        QLabel::setText(text);
+        setToolTip(plainToolTip(text));
+        setAccessibleName(error ? qtTrId("resultLineError").arg(text) : text);
+    }
+
+    QSize sizeHint() const override { return {fontMetrics().horizontalAdvance(text()) + 1, fontMetrics().height()}; }
+
+    QSize minimumSizeHint() const override { return {0, fontMetrics().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+        const auto alignment = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter);
+        painter.setPen(m_error ? errorColor(palette()) : palette().color(QPalette::Active, QPalette::WindowText));
+        painter.drawText(rect(), static_cast<int>(alignment) | Qt::TextSingleLine, shown);
+    }
+
+private:
+    bool m_error = false;
+};
+
+class ResultLine::Link : public QPushButton {
+public:
+    explicit Link(QWidget* parent)
+        : QPushButton(parent) {
+        setAutoDefault(true); // The Enter key clicks it, too.
+        setCursor(Qt::PointingHandCursor);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+    }
+
+    void setPlainText(QString text) {
+        m_text = text;
+        setText(text.replace(u'&', QStringLiteral("&&")));
+    }
+
+    QSize sizeHint() const override {
+        return {fontMetrics().horizontalAdvance(m_text) + 2 * border, fontMetrics().height() + 2};
+    }
+
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        const ControlState state = controlState(*this, isDown());
+        QFont underlined = font();
+        underlined.setUnderline(true);
+        painter.setFont(underlined);
+        painter.setPen(linkColor(palette()));
+        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, m_text);
+        if (state.focused) {
+            paintFocusRing(painter, rect(), palette());
+        }
+    }
+
+private:
+    /// Room for the focus ring.
+    static constexpr int border = 5;
+
+    QString m_text;
+};
+
+ResultLine::ResultLine(QWidget* parent)
+    : QWidget(parent)
+    , m_errorSymbol(new ErrorSymbol(this))
+    , m_message(new Message(this))
+    , m_linkButton(new Link(this)) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setMinimumHeight(lineHeight);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(8, 0, 8, 0);
+    row->setSpacing(5);
+    row->addWidget(m_errorSymbol);
+    row->addWidget(m_message);
+    row->addWidget(m_linkButton);
+    row->addStretch(1);
+    m_errorSymbol->hide();
+    m_linkButton->hide();
+    connect(m_linkButton, &QPushButton::clicked, this, [this] { emit linkActivated(m_link); });
+}
+
+void ResultLine::showResult(const QString& text) {
+    setMessage(text, false, {}, {});
+}
+
+void ResultLine::showResult(const QString& text, const QString& linkText, const QUrl& link) {
+    setMessage(text, false, linkText, link);
+}
+
+void ResultLine::showError(const QString& text) {
+    setMessage(text, true, {}, {});
+}
+
+void ResultLine::clear() {
+    setMessage({}, false, {}, {});
+}
+
+void ResultLine::setMessage(const QString& text, bool error, const QString& linkText, const QUrl& link) {
+    m_text = text;
+    m_link = link;
+    m_errorSymbol->setVisible(error);
+    m_message->setText(text, error);
+    m_linkButton->setPlainText(linkText);
+    m_linkButton->setVisible(!linkText.isEmpty());
+    if (!text.isEmpty()) {
+        QAccessibleEvent event(m_message, QAccessible::Alert);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+} // namespace starbloom

@@ -35,6 +35,37 @@ std::filesystem::path folderOf(const std::filesystem::path& target) {
     return parent.empty() ? std::filesystem::path(".") : parent;
 }
 
+/// Renames over an empty file that was made here and nowhere else, for file systems without better means.
+int renameToReserved(const char* from, const char* to) {
+    const int descriptor = ::open(to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        return errno;
+    }
+    ::close(descriptor);
+    if (::rename(from, to) == 0) {
+        return 0;
+    }
+    const int error = errno;
+    ::unlink(to);
+    return error;
+}
+
+/// Renames unless the new name is taken, in one step of the file system where it has one. 0, or the error's number.
+int renameToNew(const char* from, const char* to) {
+    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
+        return 0;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return errno;
+    }
+    if (::link(from, to) == 0) {
+        ::unlink(from);
+        return 0;
+    }
+    const bool hasNoLinks = errno == EPERM || errno == ENOSYS || errno == EOPNOTSUPP;
+    return hasNoLinks ? renameToReserved(from, to) : errno;
+}
+
 } // namespace
 
 Result<PendingFile> PendingFile::create(const std::filesystem::path& target) {
@@ -45,6 +76,10 @@ Result<PendingFile> PendingFile::create(const std::filesystem::path& target) {
     if (std::filesystem::is_directory(target, ignored)) {
         return cannotWrite(target, reason(EISDIR));
     }
+    return createBeside(target);
+}
+
+Result<PendingFile> PendingFile::createBeside(const std::filesystem::path& target) {
     // The process number keeps programs apart, the counter the attempts of this one; O_EXCL settles what is left.
     for (int attempt = 0; attempt < 1000; ++attempt) {
         std::array<char, 64> suffix{};
@@ -70,7 +105,8 @@ PendingFile::PendingFile(std::filesystem::path target, std::filesystem::path tem
 PendingFile::PendingFile(PendingFile&& other) noexcept
     : m_target(std::move(other.m_target))
     , m_temporary(std::move(other.m_temporary))
-    , m_descriptor(std::exchange(other.m_descriptor, -1)) {}
+    , m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_isSynced(other.m_isSynced) {}
 
 PendingFile& PendingFile::operator=(PendingFile&& other) noexcept {
     if (this != &other) {
@@ -78,6 +114,7 @@ PendingFile& PendingFile::operator=(PendingFile&& other) noexcept {
         m_target = std::move(other.m_target);
         m_temporary = std::move(other.m_temporary);
         m_descriptor = std::exchange(other.m_descriptor, -1);
+        m_isSynced = other.m_isSynced;
     }
     return *this;
 }
@@ -87,6 +124,7 @@ PendingFile::~PendingFile() {
 }
 
 Result<void> PendingFile::write(std::span<const std::byte> bytes) {
+    m_isSynced = false;
     while (!bytes.empty()) {
         const auto written = ::write(m_descriptor, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) {
@@ -103,9 +141,7 @@ Result<void> PendingFile::write(std::span<const std::byte> bytes) {
 Result<void> PendingFile::commit() {
     // Some file systems report a full disk only here.
     if (::fsync(m_descriptor) != 0) {
-        const auto error = failure(errno);
-        discard();
-        return error;
+        return giveUp(errno);
     }
     const int descriptor = std::exchange(m_descriptor, -1);
     if (::close(descriptor) != 0 || ::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
@@ -115,6 +151,24 @@ Result<void> PendingFile::commit() {
     }
     syncFolder(folderOf(m_target));
     return {};
+}
+
+Result<bool> PendingFile::commitAs(const std::filesystem::path& target) {
+    m_target = target;
+    if (!m_isSynced && ::fsync(m_descriptor) != 0) {
+        return giveUp(errno);
+    }
+    m_isSynced = true; // There may be a thousand names to try.
+    const int error = renameToNew(m_temporary.c_str(), m_target.c_str());
+    if (error == EEXIST) {
+        return false;
+    }
+    if (error != 0) {
+        return giveUp(error);
+    }
+    ::close(std::exchange(m_descriptor, -1));
+    syncFolder(folderOf(m_target));
+    return true;
 }
 
 void PendingFile::discard() noexcept {
@@ -128,6 +182,11 @@ Error PendingFile::failure(int errorNumber) const {
     return cannotWrite(m_target, reason(errorNumber));
 }
 
+Error PendingFile::giveUp(int errorNumber) {
+    discard();
+    return failure(errorNumber);
+}
+
 Result<void> writeFile(const std::filesystem::path& target, std::span<const std::byte> bytes) {
     auto file = PendingFile::create(target);
     if (!file) {
@@ -137,6 +196,27 @@ Result<void> writeFile(const std::filesystem::path& target, std::span<const std:
         return written;
     }
     return file.value().commit();
+}
+
+Result<std::filesystem::path> writeNewFile(const std::function<std::filesystem::path(int)>& candidate,
+                                           std::span<const std::byte> bytes) {
+    auto file = PendingFile::createBeside(candidate(0));
+    if (!file) {
+        return file.error();
+    }
+    if (auto written = file.value().write(bytes); !written) {
+        return written.error();
+    }
+    for (int n = 0;; ++n) {
+        auto path = candidate(n);
+        const auto committed = file.value().commitAs(path);
+        if (!committed) {
+            return committed.error();
+        }
+        if (committed.value()) {
+            return path;
+        }
+    }
 }
 
 } // namespace starbloom

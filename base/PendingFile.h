@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <span>
 
 namespace starbloom {
@@ -20,12 +21,17 @@ namespace starbloom {
 ///     if (auto r = file.value().write(bytes); !r) return r;
 ///     return file.value().commit();
 ///
+/// commitAs() does the same without ever replacing a file.
+///
 /// Not thread-safe. Error messages name the target and end with the system's own reason.
 class PendingFile {
 public:
     /// Makes the hidden file, with the permissions that a new file of the user has. Fails when the folder is missing or
     /// not writable, or when the target is a folder.
     static Result<PendingFile> create(const std::filesystem::path& target);
+
+    /// The same for commitAs(): whatever the target is now, only its folder matters.
+    static Result<PendingFile> createBeside(const std::filesystem::path& target);
 
     PendingFile(PendingFile&& other) noexcept;
     PendingFile& operator=(PendingFile&& other) noexcept;
@@ -42,17 +48,29 @@ public:
     /// Syncs and renames. The object holds no file afterwards, whether this succeeded or not.
     Result<void> commit();
 
+    /// Syncs and gives the file a name in the same folder that nothing bears yet, however many programs try at the
+    /// same moment. False when the name is taken: then the file waits for another name. After success or failure the
+    /// object holds no file.
+    Result<bool> commitAs(const std::filesystem::path& target);
+
 private:
     PendingFile(std::filesystem::path target, std::filesystem::path temporary, int descriptor);
     void discard() noexcept;
     Error failure(int errorNumber) const;
+    Error giveUp(int errorNumber);
 
     std::filesystem::path m_target;
     std::filesystem::path m_temporary;
     int m_descriptor = -1;
+    bool m_isSynced = false; ///< Whether commitAs() has brought all bytes to the disk already.
 };
 
 /// Writes a whole file at once, by the way of PendingFile.
 Result<void> writeFile(const std::filesystem::path& target, std::span<const std::byte> bytes);
+
+/// Writes a whole file at once under the first name that is free, and replaces nothing. `candidate` gives the names to
+/// try, all in one folder, for 0, 1, 2 and so on; the result is the one that it became.
+Result<std::filesystem::path> writeNewFile(const std::function<std::filesystem::path(int)>& candidate,
+                                           std::span<const std::byte> bytes);
 
 } // namespace starbloom

@@ -3,7 +3,6 @@
 
 #include "cli/Interruption.h"
 #include "cli/Progress.h"
-#include "cli/ShowBuilder.h"
 #include "export/movie/MovieTiming.h"
 
 #include <oneapi/tbb/concurrent_queue.h>
@@ -22,6 +21,7 @@ namespace {
 /// A frame on its way from the renderer to the sink.
 struct Job {
     std::int64_t frame = 0;
+    double moment = 0.0;
     ImageBuffer* image = nullptr;
 };
 
@@ -49,21 +49,34 @@ private:
 } // namespace
 
 FrameRenderer::FrameRenderer(const Options& options)
-    : m_speed(1.0)
-    , m_background(options.background)
-    , m_player([&] {
-        RequestedShow requested = buildShow(options);
-        m_speed = requested.speed;
-        return std::move(requested.show);
-    }()) {}
+    : FrameRenderer(options, buildShow(options)) {}
 
-const Simulation& FrameRenderer::particlesAt(double seconds) {
-    return m_player.at(seconds * m_speed);
+FrameRenderer::FrameRenderer(const Options& options, RequestedShow&& requested)
+    : m_at(options.at)
+    , m_moment(options.moment)
+    , m_speed(requested.speed)
+    , m_pixelsPerPoint(options.pixelsPerPoint)
+    , m_background(options.background)
+    , m_note(std::move(requested.note))
+    , m_player(std::move(requested.show)) {}
+
+const Simulation& FrameRenderer::particlesAtMoment(double moment) {
+    return m_player.at(moment);
 }
 
-void FrameRenderer::render(double seconds, ImageBuffer& image) {
-    const Simulation& simulation = particlesAt(seconds);
-    m_renderer.render(simulation.sparks(), {seconds * m_speed, 1.0, m_background}, RasterTarget::of(image));
+void FrameRenderer::renderMoment(double moment, ImageBuffer& image) {
+    const Simulation& simulation = particlesAtMoment(moment);
+    m_renderer.render(simulation.sparks(), {moment, m_pixelsPerPoint, m_background}, RasterTarget::of(image));
+}
+
+double FrameRenderer::pictureMoment() const {
+    return m_moment.value_or(momentAt(m_at));
+}
+
+ShowNote FrameRenderer::noteAt(double moment) const {
+    ShowNote note = m_note;
+    note.moment = moment;
+    return note;
 }
 
 Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink& sink) {
@@ -82,19 +95,20 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
     std::int64_t next = 0;
 
     const auto render = [&](tbb::flow_control& flow) -> Job {
-        Job job{next++, nullptr};
+        Job job{next++};
         if (job.frame >= total || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
             flow.stop();
             return {};
         }
         const double seconds = options.from + frameTime(job.frame, options.framesPerSecond);
         // Without the isolation this thread, while it waits for help within a frame, could start on a sink.
-        tbb::this_task_arena::isolate([&] { renderer.render(seconds, *job.image); });
+        job.moment = renderer.momentAt(seconds);
+        tbb::this_task_arena::isolate([&] { renderer.renderMoment(job.moment, *job.image); });
         return job;
     };
     const auto deliver = [&](Job job) -> Job {
         if (!failure.happened()) {
-            if (auto delivered = sink(job.frame, *job.image); !delivered) {
+            if (auto delivered = sink({job.frame, renderer.noteAt(job.moment), *job.image}); !delivered) {
                 failure.note(delivered.error());
             }
         }

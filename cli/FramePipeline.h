@@ -4,11 +4,13 @@
 #include "base/ImageBuffer.h"
 #include "base/Result.h"
 #include "cli/Options.h"
+#include "cli/ShowBuilder.h"
 #include "engine/raster/RasterRenderer.h"
 #include "engine/time/Show.h"
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace starbloom {
@@ -19,20 +21,44 @@ public:
     explicit FrameRenderer(const Options& options);
 
     /// The stage as a viewer sees it `seconds` into the show.
-    void render(double seconds, ImageBuffer& image);
+    void render(double seconds, ImageBuffer& image) { renderMoment(momentAt(seconds), image); }
 
-    /// The particles of that moment.
-    const Simulation& particlesAt(double seconds);
+    /// The same at a moment of the layer's own time.
+    void renderMoment(double moment, ImageBuffer& image);
+
+    const Simulation& particlesAtMoment(double moment);
+
+    /// `seconds` into the show, in the layer's own time.
+    double momentAt(double seconds) const { return seconds * m_speed; }
+
+    /// The moment of a picture or particle table, in the layer's own time.
+    double pictureMoment() const;
+
+    /// What pictures tell of the show at a moment.
+    ShowNote noteAt(double moment) const;
 
 private:
+    FrameRenderer(const Options& options, RequestedShow&& requested);
+
+    double m_at;
+    std::optional<double> m_moment;
     double m_speed;
+    double m_pixelsPerPoint;
     Color m_background;
+    ShowNote m_note;
     ShowPlayer m_player;
     RasterRenderer m_renderer;
 };
 
-/// What becomes of one frame. The picture may be kept until the call returns, and no longer.
-using FrameSink = std::function<Result<void>(std::int64_t frame, const ImageBuffer& image)>;
+/// One frame of several, for a sink, which may change the picture and keep it until its call returns.
+struct RenderedFrame {
+    std::int64_t number;
+    const ShowNote& note;
+    ImageBuffer& image;
+};
+
+/// What becomes of one frame.
+using FrameSink = std::function<Result<void>(const RenderedFrame& frame)>;
 
 enum class SinkCalls {
     InOrder,  ///< One after the other, in the order of frames.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Options.h"
 
+#include "cli/LikePicture.h"
 #include "export/movie/MovieTiming.h"
 
 #include <CLI/CLI.hpp>
@@ -37,6 +38,8 @@ struct RawOptions {
     std::string seed = "1";
     std::string fadeIn = "0";
     std::string threads = "0";
+    std::string quality = "100";
+    std::string like;
     std::vector<std::string> settings;
     bool particles = false;
     bool listParameters = false;
@@ -99,6 +102,11 @@ Result<void> parseNumbers(const RawOptions& raw, Options& options) {
     if (auto threads = parseInRange("--threads", raw.threads, 0, mostThreads, options.threads); !threads) {
         return threads;
     }
+    int percent = 100;
+    if (auto quality = parseInRange("--quality", raw.quality, 5, 100, percent); !quality) {
+        return quality;
+    }
+    options.quality = percent / 100.0;
     return parseInRange<std::uint64_t>("--seed", raw.seed, 0, ~std::uint64_t{0}, options.seed);
 }
 
@@ -144,6 +152,9 @@ Result<void> parseSetting(const std::string& text, Options& options) {
                      brief(parameter->maximum) + ", not '" + text.substr(equals + 1) + "'"};
     }
     options.positions.setPosition(parameter->parameter, static_cast<float>(*position));
+    if (parameter->parameter == Parameter::RocketHeight) {
+        options.launchPoint.reset();
+    }
     return {};
 }
 
@@ -178,6 +189,22 @@ std::vector<NumberPlace> findNumberPlaces(const std::string& name) {
     return places;
 }
 
+/// Both usual endings of JPEG and TIFF are understood.
+std::optional<PictureFormat> formatOf(const std::string& extension) {
+    if (extension == ".jpeg") {
+        return PictureFormat::Jpeg;
+    }
+    if (extension == ".tiff") {
+        return PictureFormat::Tiff;
+    }
+    for (const PictureFormatRow& each : pictureFormats) {
+        if (extension == "." + std::string(each.extension)) {
+            return each.format;
+        }
+    }
+    return std::nullopt;
+}
+
 Result<void> tellKind(const RawOptions& raw, Options& options) {
     if (raw.listParameters || raw.particles) {
         options.kind = raw.listParameters ? OutputKind::ParameterList : OutputKind::ParticleTable;
@@ -188,7 +215,7 @@ Result<void> tellKind(const RawOptions& raw, Options& options) {
         return {};
     }
     if (raw.output.empty()) {
-        return Error{"no OUTPUT given: name a .png, .m4v or .mp4 file; --help tells more"};
+        return Error{"no OUTPUT given: name a picture (.png, .jpg, ...) or a movie (.m4v, .mp4); --help tells more"};
     }
     options.output = raw.output;
     if (options.output.stem().string().starts_with('.') && !options.output.has_extension()) {
@@ -199,16 +226,37 @@ Result<void> tellKind(const RawOptions& raw, Options& options) {
         options.kind = OutputKind::Movie;
         return {};
     }
-    if (extension != ".png") {
+    const auto format = formatOf(extension);
+    if (!format) {
         return Error{"'" + raw.output +
-                     "' ends in none of .png (picture, or frames with %05d in the name), .m4v, .mp4"};
+                     "' ends in none of .bmp, .gif, .jpg, .jp2, .png, .tif (picture, or frames with %05d in the name), "
+                     ".m4v, .mp4"};
     }
+    options.format = *format;
     const std::string name = options.output.filename().string();
     const auto places = findNumberPlaces(name).size();
     if (places > 1) {
         return Error{"'" + raw.output + "' has more than one place for the frame's number"};
     }
     options.kind = places == 1 ? OutputKind::Frames : OutputKind::Picture;
+    return {};
+}
+
+/// Options that only some kinds of picture know: refused elsewhere, as whoever asks for transparency wants no less.
+Result<void> checkPictureOptions(const CLI::App& app, const Options& options) {
+    const bool isPicture = options.kind == OutputKind::Picture || options.kind == OutputKind::Frames;
+    if (app.count("--quality") > 0 && !(isPicture && row(options.format).hasQuality)) {
+        return Error{"--quality is for JPEG (.jpg) and JPEG 2000 (.jp2) alone"};
+    }
+    if (!options.transparent) {
+        return {};
+    }
+    if (!(isPicture && row(options.format).hasTransparency)) {
+        return Error{"--transparent is for PNG (.png), TIFF (.tif) and JPEG 2000 (.jp2) alone"};
+    }
+    if (app.count("--background") > 0) {
+        return Error{"--transparent leaves the background out and does not go with --background"};
+    }
     return {};
 }
 
@@ -234,7 +282,7 @@ void warnAboutIdleOptions(const CLI::App& app, Options& options) {
     if (manyFrames && app.count("--at") > 0) {
         options.warnings.emplace_back("--at is for pictures and has no effect here; --from sets where a movie starts");
     }
-    if (options.positions.position(Parameter::AnimateSpeed) == 0.0F) {
+    if (options.positions.position(Parameter::AnimateSpeed) == 0.0F && !(oneMoment && options.moment)) {
         options.warnings.emplace_back("animateSpeedSlider=0 stands still before the first rocket: nothing will show");
     }
     for (const char* name : {"--fps", "--seconds"}) {
@@ -244,9 +292,19 @@ void warnAboutIdleOptions(const CLI::App& app, Options& options) {
     }
 }
 
+constexpr const char* footer =
+    "--like takes the positions, seed, moment, size and background from PICTURE; options that are given besides it\n"
+    "count more. At another --size the same sparks are drawn larger or smaller, nothing is cut off: a wider picture\n"
+    "shows more on both sides, a taller one more above. A movie or frames start at --from, not at PICTURE's moment.\n\n"
+    "In an editor, a picture made with --transparent glows on any layer below it in the normal mode (over). For light\n"
+    "that adds up, as in the show itself, make one without --transparent, on black, and set its layer to add.\n\n"
+    "Exit status: 0 done, 1 the output could not be written (no part of it is left), 2 the command line\n"
+    "cannot be carried out, 130 interrupted. Numbered frames start at 0; those written before a failure stay.";
+
 void declare(CLI::App& app, RawOptions& raw, Options& options) {
     app.add_option("OUTPUT", raw.output,
-                   "What to make: NAME.png, NAME.m4v or NAME.mp4, or NAME%05d.png for numbered frames")
+                   "What to make: a picture (.png .jpg .jp2 .tif .gif .bmp), numbered frames (NAME%05d.png and so on), "
+                   "or a movie (.m4v .mp4)")
         ->type_name("");
     app.add_option("--size", raw.size, "Size of the stage in pixels (default 640x480)")->type_name("WxH");
     app.add_option("--at", raw.at, "Moment of a picture or of --particles (default 5)")->type_name("SECONDS");
@@ -260,21 +318,66 @@ void declare(CLI::App& app, RawOptions& raw, Options& options) {
     app.add_option("--fade-in", raw.fadeIn, "Lets the rocket rate climb from --from on, for about so long")
         ->type_name("SECONDS");
     app.add_option("--background", raw.background, "Colour behind the show (default 000000)")->type_name("RRGGBB");
+    app.add_option("--like", raw.like, "Renders the show that another picture of this program was taken from")
+        ->type_name("PICTURE");
+    app.add_option("--quality", raw.quality, "Of JPEG and JPEG 2000, 5 to 100 (default 100)")->type_name("PERCENT");
+    app.add_flag("--transparent", options.transparent,
+                 "Light on nothing: PNG, TIFF or JPEG 2000 with alpha, no background");
     app.add_option("--threads", raw.threads, "How many threads to use (default: all)")->type_name("N");
     app.add_flag("--quiet", options.quiet, "Only speaks of errors");
     app.add_flag("--particles", raw.particles,
                  "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file");
     app.add_flag("--list-parameters", raw.listParameters, "Prints the parameters with ranges and reset positions");
     app.add_flag("--version", raw.version, "Prints the version");
-    app.footer("Exit status: 0 done, 1 the output could not be written (no part of it is left), 2 the command line\n"
-               "cannot be carried out, 130 interrupted. Numbered frames start at 0; those written before a failure "
-               "stay.");
+    app.footer(footer);
+}
+
+/// Looks closer at what was typed. A picture's show comes before what is given besides it.
+Result<void> understand(const CLI::App& app, const RawOptions& raw, Options& options) {
+    if (auto numbers = parseNumbers(raw, options); !numbers) {
+        return numbers;
+    }
+    if (auto size = parseSize(raw.size, options); !size) {
+        return size;
+    }
+    if (auto background = parseBackground(raw.background, options); !background) {
+        return background;
+    }
+    if (app.count("--like") > 0) {
+        const LikeKeeps keeps{app.count("--size") > 0, app.count("--seed") > 0, app.count("--at") > 0,
+                              app.count("--background") > 0};
+        if (auto like = showLike(raw.like, keeps, options); !like) {
+            return like;
+        }
+    }
+    for (const std::string& setting : raw.settings) {
+        if (auto set = parseSetting(setting, options); !set) {
+            return set;
+        }
+    }
+    if (auto kind = tellKind(raw, options); !kind) {
+        return kind;
+    }
+    if (auto checked = checkTogether(options); !checked) {
+        return checked;
+    }
+    if (auto checked = checkPictureOptions(app, options); !checked) {
+        return checked;
+    }
+    if (options.transparent) {
+        options.background = {0.0F, 0.0F, 0.0F, 1.0F};
+    }
+    return {};
 }
 
 } // namespace
 
 std::int64_t Options::frameCount() const {
     return starbloom::frameCount(seconds, framesPerSecond);
+}
+
+Size Options::stage() const {
+    return {width / pixelsPerPoint, height / pixelsPerPoint};
 }
 
 std::filesystem::path Options::framePath(std::int64_t frame) const {
@@ -311,25 +414,8 @@ Result<Options> parseOptions(std::span<const std::string> arguments) {
         options.message = "starbloom-render " STARBLOOM_VERSION "\n";
         return options;
     }
-    if (auto numbers = parseNumbers(raw, options); !numbers) {
-        return numbers.error();
-    }
-    if (auto size = parseSize(raw.size, options); !size) {
-        return size.error();
-    }
-    if (auto background = parseBackground(raw.background, options); !background) {
-        return background.error();
-    }
-    for (const std::string& setting : raw.settings) {
-        if (auto set = parseSetting(setting, options); !set) {
-            return set.error();
-        }
-    }
-    if (auto kind = tellKind(raw, options); !kind) {
-        return kind.error();
-    }
-    if (auto checked = checkTogether(options); !checked) {
-        return checked.error();
+    if (auto understood = understand(app, raw, options); !understood) {
+        return understood.error();
     }
     warnAboutIdleOptions(app, options);
     return options;

@@ -3,10 +3,13 @@
 
 #include "base/Color.h"
 #include "base/Result.h"
+#include "engine/model/EmitterLayer.h"
 #include "engine/panel/ParameterPanel.h"
+#include "export/picture/PictureFormat.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -15,9 +18,9 @@ namespace starbloom {
 
 /// What comes out of a run.
 enum class OutputKind {
-    Picture,       ///< One PNG.
+    Picture,       ///< One picture file.
     Movie,         ///< H.264 in MPEG-4.
-    Frames,        ///< Numbered PNGs.
+    Frames,        ///< Numbered picture files.
     ParticleTable, ///< CSV on standard output.
     ParameterList, ///< Text on standard output.
     Message,       ///< The text in Options::message on standard output: help, or the version.
@@ -29,12 +32,19 @@ struct Options {
     std::filesystem::path output; ///< For frames: a name with one %d in it, such as frame%05d.png.
     std::string message;
 
-    double at = 5.0;   ///< Seconds into the show of a picture or particle table.
-    double from = 0.0; ///< Seconds into the show of the first frame.
+    PictureFormat format = PictureFormat::Png; ///< Of pictures and frames, as are these two.
+    double quality = 1.0;                      ///< 0.05 to 1.
+    bool transparent = false;
+
+    double at = 5.0;              ///< Seconds into the show of a picture or particle table.
+    std::optional<double> moment; ///< The same in the layer's own time, in place of `at`.
+    double from = 0.0;            ///< Seconds into the show of the first frame.
     double seconds = 10.0;
     int framesPerSecond = 30;
-    int width = 640; ///< Pixels, which are points.
+    int width = 640; ///< Pixels.
     int height = 480;
+    double pixelsPerPoint = 1.0;
+    std::optional<Point> launchPoint; ///< In place of the one that the positions and the stage give.
     std::uint64_t seed = 1;
     double fadeIn = 0.0; ///< Seconds; 0 for none.
     Color background{0.0F, 0.0F, 0.0F, 1.0F};
@@ -46,6 +56,9 @@ struct Options {
     std::vector<std::string> warnings;
 
     std::int64_t frameCount() const;
+
+    /// The stage that fills the picture, in points.
+    Size stage() const;
 
     /// The file of one frame of a numbered series.
     std::filesystem::path framePath(std::int64_t frame) const;

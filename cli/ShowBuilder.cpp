@@ -29,10 +29,32 @@ private:
     Size m_size;
 };
 
+EmitterPlan planOf(const FireworksController& controller, const Options& options) {
+    EmitterPlan plan = EmitterPlan::of(controller.mortor());
+    plan.emitterPosition = options.launchPoint.value_or(plan.emitterPosition);
+    return plan;
+}
+
+ShowNote noteOf(const RequestedShow& requested, const Options& options) {
+    ShowNote note;
+    note.program = "starbloom-render";
+    note.version = STARBLOOM_VERSION;
+    for (const ParameterRow& each : parameterTable) {
+        note.positions[static_cast<std::size_t>(each.parameter)] = options.positions.position(each.parameter);
+    }
+    note.seed = options.seed;
+    note.stage = options.stage();
+    note.pixelsPerPoint = options.pixelsPerPoint;
+    note.launchPoint = requested.show.changes.front().plan.emitterPosition;
+    note.background = options.background;
+    note.steady = requested.show.changes.size() == 1;
+    return note;
+}
+
 } // namespace
 
 RequestedShow buildShow(const Options& options) {
-    SizeStage stage({static_cast<double>(options.width), static_cast<double>(options.height)});
+    SizeStage stage(options.stage());
     PositionPanel panel = options.positions;
     FireworksController controller(&panel, &stage, sharedSparkImage(sparkPng()));
     controller.slidersMoved();
@@ -40,17 +62,18 @@ RequestedShow buildShow(const Options& options) {
     RequestedShow requested;
     requested.show.seed = options.seed;
     requested.speed = static_cast<double>(controller.mortor().speed);
-    if (!(options.fadeIn > 0.0)) {
-        requested.show.changes.push_back({0.0, EmitterPlan::of(controller.mortor())});
-        return requested;
+    if (options.fadeIn > 0.0) {
+        const auto birthPosition = static_cast<double>(panel.position(Parameter::RocketBirth));
+        for (const LaunchStep& step : fadeInSteps(birthPosition, options.fadeIn)) {
+            controller.setLaunchBirth(step.position);
+            // The climb starts with the first frame; until then the rate stands where the climb begins.
+            const double seconds = requested.show.changes.empty() ? 0.0 : options.from + step.seconds;
+            requested.show.changes.push_back({seconds * requested.speed, planOf(controller, options)});
+        }
+    } else {
+        requested.show.changes.push_back({0.0, planOf(controller, options)});
     }
-    const auto birthPosition = static_cast<double>(panel.position(Parameter::RocketBirth));
-    for (const LaunchStep& step : fadeInSteps(birthPosition, options.fadeIn)) {
-        controller.setLaunchBirth(step.position);
-        // The climb starts with the first frame; until then the rate stands where the climb begins.
-        const double seconds = requested.show.changes.empty() ? 0.0 : options.from + step.seconds;
-        requested.show.changes.push_back({seconds * requested.speed, EmitterPlan::of(controller.mortor())});
-    }
+    requested.note = noteOf(requested, options);
     return requested;
 }
 

@@ -3,6 +3,7 @@
 
 #include "cli/Options.h"
 #include "engine/time/Show.h"
+#include "export/picture/ShowNote.h"
 
 namespace starbloom {
 
@@ -10,6 +11,7 @@ namespace starbloom {
 struct RequestedShow {
     Show show;
     double speed = 1.0; ///< Layer seconds per second as the viewer counts.
+    ShowNote note;      ///< For its pictures; each has its own moment.
 };
 
 /// Applies the options' positions to a freshly built tree, as the sliders of the application would, and lays the climb

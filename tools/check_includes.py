@@ -26,7 +26,7 @@ MAY_INCLUDE = {
     "bench": {"base", "engine", "persistence", "export", "views", "cli", "resources"},
     "tests": {"base", "engine", "persistence", "export", "views", "shell", "cli", "resources"},
 }
-MAY_USE_QT = {"views", "shell", "tests"}
+MAY_USE_QT = {"views", "shell", "tests", "bench"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 QT = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|qt\w*/.*)$")

@@ -3,17 +3,23 @@
 
 #include "base/ImageBuffer.h"
 #include "base/Result.h"
+#include "export/movie/MovieFormat.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 namespace starbloom {
 
-struct MovieFormat {
-    int width = 0;           ///< pixels of each frame, 1..16384
-    int height = 0;          ///< pixels of each frame, 1..16384
-    int framesPerSecond = 0; ///< 1..1000
-    int threads = 0;         ///< how many threads encode; 0: as many as the encoder likes on this machine
+struct MovieWriterOptions {
+    /// Lets the movie grow in a fragmented file that can be played up to where it ends, whenever that is (see
+    /// recoverMovie()). finish() makes a regular one from it, so for a moment the movie lies on the disk twice.
+    bool survivesKill = false;
+
+    /// Called for each frame that has been written, with their number so far, and again while finish() copies. When it
+    /// says false, the movie is given up: the call in progress fails.
+    std::function<bool(std::int64_t frames)> frameWritten;
 };
 
 /// Writes a silent movie, frame by frame: H.264 in an MPEG-4 container, whatever the file's extension, with the index
@@ -40,7 +46,8 @@ struct MovieFormat {
 class MovieWriter {
 public:
     /// Fails for sizes and rates out of range, when the file cannot be made, and when there is no H.264 encoder.
-    static Result<MovieWriter> create(const std::filesystem::path& target, const MovieFormat& format);
+    static Result<MovieWriter> create(const std::filesystem::path& target, const MovieFormat& format,
+                                      MovieWriterOptions options = {});
 
     MovieWriter(MovieWriter&& other) noexcept;
     MovieWriter& operator=(MovieWriter&& other) noexcept;
@@ -54,6 +61,11 @@ public:
     /// Encodes what is left, closes the file and brings it to its final name. Call it once, as the last thing. A movie
     /// without frames is refused.
     Result<void> finish();
+
+    /// The hidden file that the movie grows in, and the one that takes the target's place; without survivesKill it is
+    /// the same. For telling a later run what was left behind.
+    const std::filesystem::path& partPath() const;
+    const std::filesystem::path& finalPath() const;
 
 private:
     class Encoding;

@@ -53,6 +53,8 @@ struct PngWriting {
     png_structp png = nullptr;
     png_infop info = nullptr;
     const ImageBuffer* image = nullptr;
+    bool hasAlpha = false;
+    std::string comment;
     std::vector<std::byte>* output = nullptr;
     PngFailure failure;
 
@@ -82,12 +84,26 @@ void onPngWrite(png_structp png, png_bytep data, png_size_t length) {
 
 void onPngFlush(png_structp /*png*/) {}
 
+void writeComment(PngWriting& writing) {
+    if (writing.comment.empty()) {
+        return;
+    }
+    std::array<char, 8> keyword{"Comment"};
+    png_text text{};
+    text.compression = PNG_TEXT_COMPRESSION_NONE;
+    text.key = keyword.data();
+    text.text = writing.comment.data();
+    png_set_text(writing.png, writing.info, &text, 1);
+}
+
 void writePicture(PngWriting& writing) {
     png_set_write_fn(writing.png, writing.output, onPngWrite, onPngFlush);
     png_set_IHDR(writing.png, writing.info, static_cast<png_uint_32>(writing.image->width()),
-                 static_cast<png_uint_32>(writing.image->height()), 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+                 static_cast<png_uint_32>(writing.image->height()), 8,
+                 writing.hasAlpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_sRGB(writing.png, writing.info, PNG_sRGB_INTENT_PERCEPTUAL);
+    writeComment(writing);
     // Fireworks are smooth glows on flat black: the Paeth predictor leaves little but small numbers and runs of zeros,
     // for which run lengths do as well as a search for repetitions. On 1920 x 1080 frames this takes 30 ms where
     // libpng's defaults take 121 ms, and the file grows by 5 %; at 640 x 480 it is 4.2 against 15.2 ms, and 4 %.
@@ -95,7 +111,9 @@ void writePicture(PngWriting& writing) {
     png_set_compression_strategy(writing.png, Z_RLE);
     png_set_compression_level(writing.png, 1);
     png_write_info(writing.png, writing.info);
-    png_set_filler(writing.png, 0, PNG_FILLER_AFTER);
+    if (!writing.hasAlpha) {
+        png_set_filler(writing.png, 0, PNG_FILLER_AFTER);
+    }
     for (int y = 0; y < writing.image->height(); ++y) {
         png_write_row(writing.png, writing.image->row(y));
     }
@@ -226,13 +244,15 @@ Result<SparkImage> decode(PngReading& reading) {
 
 } // namespace
 
-Result<std::vector<std::byte>> encodePng(const ImageBuffer& image) {
+Result<std::vector<std::byte>> encodePng(const ImageBuffer& image, bool alpha, const std::string& comment) {
     if (image.width() < 1 || image.height() < 1) {
         return Error{"cannot make a PNG of a picture without pixels"};
     }
     std::vector<std::byte> output;
     PngWriting writing;
     writing.image = &image;
+    writing.hasAlpha = alpha;
+    writing.comment = comment;
     writing.output = &output;
     setReason(writing.failure, "out of memory");
     writing.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &writing.failure, onPngError, onPngWarning);

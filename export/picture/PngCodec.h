@@ -8,16 +8,18 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace starbloom {
 
 // Both functions keep no state, so any number of threads may call them at once.
 
-/// Encodes a picture as an opaque PNG with 8 bits for each of red, green and blue, tagged as sRGB. Alpha is dropped:
-/// each pixel keeps its colour as if it covered everything. The same pixels always give the same bytes.
+/// Encodes a picture as a PNG with 8 bits for each channel, tagged as sRGB. Alpha is dropped unless it is asked for:
+/// each pixel then keeps its colour as if it covered everything. A comment is ASCII and becomes a text of that keyword;
+/// an empty one is left out. The same input always gives the same bytes.
 /// Fails only for a picture without pixels or when memory runs out.
-Result<std::vector<std::byte>> encodePng(const ImageBuffer& image);
+Result<std::vector<std::byte>> encodePng(const ImageBuffer& image, bool alpha = false, const std::string& comment = {});
 
 /// Decodes a PNG of any kind (palette, grey or colour, with or without transparency, 1 to 16 bits, interlaced or not)
 /// into a spark. A pixel's light is its luminance (Rec. 709 weights on the values as stored) times its alpha; 16-bit

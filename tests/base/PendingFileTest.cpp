@@ -6,11 +6,32 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
+#include <fcntl.h>
 #include <fstream>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #include <utility>
+
+// These two stand in for the system's, so that a test can be on a file system that lacks them.
+namespace {
+
+int missingCalls = 0;
+
+} // namespace
+
+extern "C" int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
+    errno = EINVAL;
+    return missingCalls > 0 ? -1 : static_cast<int>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+extern "C" int link(const char* from, const char* to) noexcept {
+    errno = EPERM;
+    return missingCalls > 1 ? -1 : ::linkat(AT_FDCWD, from, AT_FDCWD, to, 0);
+}
 
 namespace starbloom {
 
@@ -120,6 +141,23 @@ TEST_F(PendingFileTest, fullDiskLeavesTheOldFile) {
     const auto longestName = folder / std::string(255, 'n');
     EXPECT_TRUE(writeFile(longestName, bytesOf(large)));
     EXPECT_EQ(readFile(longestName), large);
+}
+
+TEST_F(PendingFileTest, aNewFileTakesTheFirstFreeNameAndReplacesNothing) {
+    std::filesystem::create_directory(folder / "1");
+    std::filesystem::create_symlink("nowhere", folder / "2");
+    const auto candidate = [&](int n) { return n == 0 ? target : folder / std::to_string(n); };
+    for (missingCalls = 0; missingCalls < 3; ++missingCalls) {
+        const auto written = writeNewFile(candidate, bytesOf("new"));
+        ASSERT_TRUE(written) << written.error().message;
+        EXPECT_EQ(written.value(), folder / std::to_string(3 + missingCalls));
+        EXPECT_EQ(readFile(written.value()), "new");
+        EXPECT_EQ(readFile(target), "old");
+        EXPECT_EQ(folder.entryCount(), 4 + missingCalls);
+        EXPECT_FALSE(writeNewFile([&](int) { return folder / std::string(256, 'n'); }, bytesOf("x")));
+        EXPECT_EQ(folder.entryCount(), 4 + missingCalls);
+    }
+    missingCalls = 0;
 }
 
 } // namespace

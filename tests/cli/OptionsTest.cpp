@@ -79,7 +79,13 @@ TEST(Options, BadInputSaysWhatIsWrong) {
         const char* message;
     } cases[] = {
         {{}, "OUTPUT"},
-        {{"a.gif"}, "a.gif"},
+        {{"a.xyz"}, "a.xyz"},
+        {{"--quality", "4", "a.jpg"}, "from 5 to 100"},
+        {{"--quality", "50", "a.png"}, "JPEG 2000 (.jp2) alone"},
+        {{"--quality", "50", "a.mp4"}, "JPEG 2000 (.jp2) alone"},
+        {{"--transparent", "a.jpg"}, "TIFF (.tif)"},
+        {{"--transparent", "--background", "000000", "a.png"}, "--background"},
+        {{"--like", "none.png", "a.png"}, "none.png"},
         {{"a%d%d.png"}, "more than one place"},
         {{"--bogus", "a.png"}, "--bogus"},
         {{"a.png", "b.png"}, "b.png"},

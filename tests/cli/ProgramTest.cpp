@@ -96,6 +96,48 @@ TEST_F(Program, NumberedFramesAreTheSamePicturesAsStills) {
     EXPECT_NE(readFile(folder / "f00.png"), readFile(folder / "f03.png"));
 }
 
+TEST_F(Program, TheEndingPicksTheKindOfPicture) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"bmp", "BM"},      {"gif", "GIF8"}, {"jpg", "\xFF\xD8"}, {"JPEG", "\xFF\xD8"},
+        {"png", "\x89PNG"}, {"tif", "II*"},  {"tiff", "II*"},     {"jp2", "\r\n\x87\n"},
+    };
+    for (const auto& [ending, magic] : cases) {
+        ASSERT_EQ(run(std::string("--at 6 --size 64x48 a.") + ending).status, 0) << ending;
+        EXPECT_THAT(readFile(folder / (std::string("a.") + ending)).substr(0, 12), HasSubstr(magic)) << ending;
+    }
+    ASSERT_EQ(run("--from 4 --seconds 0.1 --quality 40 f%d.jpg").status, 0);
+    ASSERT_EQ(run("--at 4 --quality 40 still.jpg").status, 0);
+    EXPECT_EQ(readFile(folder / "f0.jpg"), readFile(folder / "still.jpg"));
+    ASSERT_EQ(run("--at 4 still.jpg").status, 0);
+    EXPECT_NE(readFile(folder / "f0.jpg"), readFile(folder / "still.jpg"));
+}
+
+TEST_F(Program, LikeAPictureIsTheVeryShowAgain) {
+    const std::string show = "--seed 9 --at 6.7 --size 300x200 --background 102030 --set rocketVelocitySlider=333 "
+                             "--set animateSpeedSlider=150 ";
+    ASSERT_EQ(run(show + "a.png").status, 0);
+    const std::string original = readFile(folder / "a.png");
+    for (const char* ending : {"png", "jpg", "jp2", "tif", "gif"}) {
+        ASSERT_EQ(run(show + "a." + ending).status, 0);
+        EXPECT_EQ(run(std::string("--like a.") + ending + " again.png").status, 0);
+        EXPECT_EQ(readFile(folder / "again.png"), original) << ending;
+    }
+    // Larger and back again; what is given besides counts more.
+    ASSERT_EQ(run("--like a.gif --size 1000x400 wide.png").status, 0);
+    ASSERT_EQ(run("--like wide.png --size 500x200 half.png").status, 0);
+    ASSERT_EQ(run("--like a.png --size 500x200 --threads 1 direct.png").status, 0);
+    EXPECT_EQ(readFile(folder / "half.png"), readFile(folder / "direct.png"));
+    ASSERT_EQ(run("--like a.png --seed 10 c.png").status, 0);
+    EXPECT_NE(readFile(folder / "c.png"), original);
+
+    ASSERT_EQ(run(show + "--fade-in 2 climb.png").status, 0);
+    const Outcome climb = run("--like climb.png again.png");
+    EXPECT_EQ(climb.status, 0);
+    EXPECT_THAT(climb.err, HasSubstr("cannot be the very same"));
+    ASSERT_EQ(run("a.bmp").status, 0);
+    EXPECT_THAT(run("--like a.bmp again.png").err, HasSubstr("a.bmp: it does not tell of a show"));
+}
+
 TEST_F(Program, AMovieHasTheAskedSizeRateAndLength) {
     ASSERT_EQ(run("--size 321x240 --fps 25 --seconds 1.5 --from 4 --quiet a.m4v").status, 0);
     const std::string found = probe("a.m4v", "codec_name,width,height,avg_frame_rate,nb_read_frames,color_space");
@@ -104,9 +146,9 @@ TEST_F(Program, AMovieHasTheAskedSizeRateAndLength) {
 }
 
 TEST_F(Program, BadInputIsOneLineAndStatusTwo) {
-    for (const char* arguments : {"", "a.gif", "--size 0x0 a.png", "--size 65536x65536 a.mp4", "--set x=1 a.png",
-                                  "--set rocketBirthSlider=0 a.png", "missing/a.png", "missing/a.m4v",
-                                  "missing/a%d.png", ".", "--fps 0 a.mp4", "--nonsense a.png"}) {
+    for (const char* arguments : {"", "a.xyz", "--like none.png a.png", "--size 0x0 a.png", "--size 65536x65536 a.mp4",
+                                  "--set x=1 a.png", "--set rocketBirthSlider=0 a.png", "missing/a.png",
+                                  "missing/a.m4v", "missing/a%d.png", ".", "--fps 0 a.mp4", "--nonsense a.png"}) {
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         EXPECT_EQ(outcome.out, "") << arguments;

@@ -2,6 +2,8 @@
 #include "export/movie/MovieWriter.h"
 
 #include "base/Log.h"
+#include "tests/export/MovieProbe.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -9,17 +11,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <map>
-#include <random>
-#include <sstream>
 #include <string>
 #include <vector>
-
-#include <sys/resource.h>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -56,22 +51,15 @@ ImageBuffer plain(int width, int height, int grey) {
     return image;
 }
 
-ImageBuffer noise(int width, int height, unsigned seed) {
-    std::mt19937 random(seed);
-    ImageBuffer image(width, height);
-    for (auto& byte : image.bytes()) {
-        byte = static_cast<std::uint8_t>(random());
-    }
-    return image;
-}
-
 /// The writer on its way to an error or to the end; stops at the first error.
 Result<void> writeMovie(const std::filesystem::path& target, const std::vector<ImageBuffer>& frames,
-                        int framesPerSecond = 30) {
-    auto writer = MovieWriter::create(target, {.width = frames.front().width(),
-                                               .height = frames.front().height(),
-                                               .framesPerSecond = framesPerSecond,
-                                               .threads = 2});
+                        int framesPerSecond = 30, bool survivesKill = false) {
+    auto writer = MovieWriter::create(target,
+                                      {.width = frames.front().width(),
+                                       .height = frames.front().height(),
+                                       .framesPerSecond = framesPerSecond,
+                                       .threads = 2},
+                                      {.survivesKill = survivesKill, .frameWritten = {}});
     if (!writer) {
         return writer.error();
     }
@@ -81,42 +69,6 @@ Result<void> writeMovie(const std::filesystem::path& target, const std::vector<I
         }
     }
     return writer.value().finish();
-}
-
-std::string outputOf(const std::string& command) {
-    FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    std::array<char, 4096> part{};
-    while (const std::size_t length = fread(part.data(), 1, part.size(), pipe)) {
-        output.append(part.data(), length);
-    }
-    EXPECT_EQ(pclose(pipe), 0) << command;
-    return output;
-}
-
-/// What an independent program says about the movie: its only stream, then the file, whose values of the same name are
-/// appended after a slash.
-std::map<std::string, std::string> probe(const std::filesystem::path& movie) {
-    std::istringstream lines(outputOf(
-        "ffprobe -v error -of default=nw=1 -show_entries stream:format=format_name,duration '" + movie.string() + "'"));
-    std::map<std::string, std::string> entries;
-    for (std::string line; std::getline(lines, line);) {
-        const auto equals = std::min(line.find('='), line.size() - 1);
-        std::string& value = entries[line.substr(0, equals)];
-        value += value.empty() ? "" : "/";
-        value += line.substr(equals + 1);
-    }
-    return entries;
-}
-
-/// All frames in a row, three bytes per pixel, turned back to RGB as the movie's own tags say.
-std::string decode(const std::filesystem::path& movie) {
-    return outputOf("ffmpeg -v error -i '" + movie.string() +
-                    "' -sws_flags accurate_rnd+full_chroma_int -pix_fmt rgb24 -f rawvideo -");
-}
-
-int sampleAt(const std::string& rgb, std::size_t index) {
-    return static_cast<std::uint8_t>(rgb[index]);
 }
 
 TEST(MovieWriter, containsExactlyWhatItWasGiven) {
@@ -229,10 +181,16 @@ TEST(MovieWriter, oddSizesGetABlackColumnAndRow) {
 
 TEST(MovieWriter, sameFramesGiveTheSameBytes) {
     const TemporaryFolder folder;
-    const std::vector<ImageBuffer> frames{noise(80, 60, 1), noise(80, 60, 2), noise(80, 60, 3)};
+    std::vector<ImageBuffer> frames;
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        frames.push_back(noise(361, 226, seed));
+    }
     ASSERT_TRUE(writeMovie(folder / "a.mp4", frames));
     ASSERT_TRUE(writeMovie(folder / "b.mp4", frames));
+    ASSERT_TRUE(writeMovie(folder / "c.mp4", frames, 30, true));
     EXPECT_TRUE(readFile(folder / "a.mp4") == readFile(folder / "b.mp4"));
+    EXPECT_TRUE(readFile(folder / "a.mp4") == readFile(folder / "c.mp4")) << "by the way of a fragmented file";
+    EXPECT_EQ(folder.entryCount(), 3);
 }
 
 TEST(MovieWriter, targetChangesOnlyWhenFinished) {
@@ -259,26 +217,6 @@ TEST(MovieWriter, targetChangesOnlyWhenFinished) {
     EXPECT_EQ(folder.entryCount(), 1);
 }
 
-/// As if the disk were full after so many bytes, while it lives.
-class LimitedFileSize {
-public:
-    explicit LimitedFileSize(std::size_t bytes)
-        : m_oldHandler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        const rlimit limited{bytes, m_old.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-
-    ~LimitedFileSize() {
-        setrlimit(RLIMIT_FSIZE, &m_old);
-        std::signal(SIGXFSZ, m_oldHandler);
-    }
-
-private:
-    rlimit m_old{};
-    void (*m_oldHandler)(int);
-};
-
 TEST(MovieWriter, fullDiskIsReportedAndLeavesNothing) {
     const TemporaryFolder folder;
     std::vector<ImageBuffer> frames;
@@ -294,7 +232,7 @@ TEST(MovieWriter, fullDiskIsReportedAndLeavesNothing) {
     for (const std::size_t limit : {std::size_t{0}, size / 4, size - 2000, size - 1}) {
         SCOPED_TRACE(testing::Message() << limit << " of " << size << " bytes");
         const Result<void> written = [&] {
-            const LimitedFileSize limited(limit);
+            const FileSizeLimit limited(limit);
             return writeMovie(folder / "show.mp4", frames);
         }();
         ASSERT_FALSE(written);
@@ -308,7 +246,7 @@ TEST(MovieWriter, fullDiskEndsARecordingEarly) {
     const TemporaryFolder folder;
     auto writer = MovieWriter::create(folder / "show.mp4", {.width = 64, .height = 64, .framesPerSecond = 30});
     ASSERT_TRUE(writer);
-    const LimitedFileSize limited(0);
+    const FileSizeLimit limited(0);
     unsigned frame = 0;
     while (frame < 1000 && writer.value().addFrame(noise(64, 64, frame))) {
         ++frame;

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+namespace starbloom {
+
+// What all users of FFmpeg's libraries in this folder share. Not for headers that others include.
+
+template <auto free>
+struct FreeByAddress {
+    template <typename T>
+    void operator()(T* object) const {
+        free(&object);
+    }
+};
+
+/// Closes the file too, in case of a movie that was given up.
+struct FreeContainer {
+    void operator()(AVFormatContext* container) const {
+        avio_closep(&container->pb);
+        avformat_free_context(container);
+    }
+};
+
+template <typename T, auto free>
+using PointerTo = std::unique_ptr<T, FreeByAddress<free>>;
+
+using EncoderPointer = PointerTo<AVCodecContext, avcodec_free_context>;
+using FramePointer = PointerTo<AVFrame, av_frame_free>;
+using PacketPointer = PointerTo<AVPacket, av_packet_free>;
+using InputPointer = PointerTo<AVFormatContext, avformat_close_input>;
+using ContainerPointer = std::unique_ptr<AVFormatContext, FreeContainer>;
+
+/// The libraries' own words for an error.
+std::string reasonOf(int averror);
+
+/// Sends what the libraries have to say to the log under "export". They have one log for the whole process, and its
+/// default is standard error. Any thread may call it, any number of times.
+void forwardLibavLog();
+
+} // namespace starbloom

@@ -3,45 +3,67 @@
 
 #include "export/picture/PngCodec.h"
 #include "resources/Resources.h"
+#include "shell/PreferencesWindow.h"
+#include "shell/StageSizeFields.h"
+#include "views/ResultLine.h"
+#include "views/SegmentedControl.h"
 
-#include <QFile>
-#include <QStandardPaths>
+#include <QAction>
+#include <QApplication>
+#include <QSignalBlocker>
 
 #include <utility>
 
 namespace starbloom {
 
-namespace {
-
-/// The desktop's own answer.
-class DesktopDocuments final : public DocumentsFolder {
-public:
-    std::filesystem::path documentsFolder() const override {
-        return QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)).toStdString();
-    }
-};
-
-} // namespace
-
-AppDelegate::AppDelegate(AppFolder folder, DelayedCalls& calls, std::uint64_t seed, StageView::ClockSource clock)
-    : m_folder(std::move(folder))
+AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
+    : m_surroundings(surroundings)
+    , m_folder(std::move(folder))
     , m_stores(m_folder)
-    , m_stage(seed, std::move(clock))
+    , m_stage(surroundings.seed, surroundings.clock)
     , m_controller(&m_panel, &m_stage, sharedSparkImage(sparkPng()))
     , m_presetStore(m_stores)
-    , m_presets(m_panel, m_presetStore, calls,
-                {[this] { m_controller.slidersMoved(); }, [this](bool enabled) { m_panel.setSaveEnabled(enabled); }})
-    , m_window(m_stage, m_panel)
-    , m_windowPlace(m_window, m_stores, calls) {}
+    , m_presets(m_panel, m_presetStore, surroundings.calls,
+                {[this] { m_controller.slidersMoved(); }, [this](bool enabled) { m_panel.setSaveEnabled(enabled); },
+                 [this] { m_window.resultLine().showResult(qtTrId("settingsSavedResult")); }})
+    , m_window(m_stage, surroundings.calls)
+    , m_windowPlace(m_window, m_stores, m_frames, surroundings.calls)
+    , m_sidebar(m_panel, m_window, m_stores, m_frames, surroundings.calls)
+    , m_menuSnapshot(m_window.menus())
+    , m_backgroundWell(m_window.toolbar().colorWell(), m_folder.filePath6(), surroundings.calls,
+                       [this](const Color& color) { m_controller.setBackgroundColor(color); })
+    , m_exportFolder(m_window.toolbar().pathControl(), surroundings.filePanel, m_menuSnapshot, m_stores,
+                     surroundings.documents, m_folder.filePath3())
+    , m_exportWindow(m_folder.filePath4(), m_stores, m_menuSnapshot, surroundings.calls, m_window)
+    , m_exportGate(m_window.menus(), m_window.toolbar(),
+                   {[this] { return m_exportFolder.isKnown(); }, [this] { return m_exportWindow.nameIsValid(); }})
+    , m_pictureCommand(m_window, surroundings.filePanel) {}
+
+AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::launch() {
+    screenOptions();
+    m_window.menus().makeNSMenu();
+    m_window.setWindowTitle(QApplication::applicationDisplayName());
+    registerWindowObservers();
+    m_window.toolbar().makeToolBar();
+    m_window.toolbar().sizeFields().showSize(m_stage.rect().size());
+    m_exportFolder.loadSharedFolder();
+    m_backgroundWell.showStoredColor();
+    m_exportWindow.loadSettings3();
+    m_exportGate.validateImageExport();
+    if (isSwitchOn(3)) {
+        m_sidebar.openSettings();
+    }
+    loadPresets();
+    m_panel.colourButtons();
+}
+
+void AppDelegate::screenOptions() {
     openStores();
     m_window.takeInitialSize();
     readStores();
-    connectSliders();
-    connectSwitches();
-    loadPresetOnceOnScreen();
-    showWindow();
+    m_window.setVisible(true);
 }
 
 void AppDelegate::openStores() {
@@ -54,7 +76,7 @@ void AppDelegate::openStores() {
 void AppDelegate::readStores() {
     // The switches first: they decide what becomes of the window's saved place.
     m_stores.populateDB2();
-    m_stores.populateDB1(DesktopDocuments());
+    m_stores.populateDB1(m_surroundings.documents);
     // Frames that are there and cannot be read leave the window to the desktop; without a file it is centred.
     const bool exists = fileExists(m_folder.filePath0());
     if (m_stores.populateDB0() || !exists) {
@@ -63,29 +85,153 @@ void AppDelegate::readStores() {
     m_stores.setMain();
 }
 
-void AppDelegate::connectSliders() {
-    QObject::connect(&m_panel, &SliderPanel::moved, &m_window, [this] { m_controller.slidersMoved(); });
-    QObject::connect(&m_panel, &SliderPanel::resetRequested, &m_window, [this] { m_controller.resetSliders(); });
-    QObject::connect(&m_panel, &SliderPanel::loadRequested, &m_window, [this] { m_presets.loadSettings6(); });
-    QObject::connect(&m_panel, &SliderPanel::saveRequested, &m_window, [this] { m_presets.saveSettings6a(); });
+void AppDelegate::registerWindowObservers() {
+    connectSliders();
+    connectCommands();
+    connectSidebar();
+    connectExports();
+    QObject::connect(&m_window, &MainWindow::closing, &m_window, [this] { closeCompanions(); });
+    followWindowOnceOnScreen();
 }
 
-void AppDelegate::connectSwitches() {
-    QObject::connect(&m_window, &MainWindow::resetRequested, &m_window, [this] { m_controller.resetSliders(); });
-    QObject::connect(&m_window, &MainWindow::animationSwitched, &m_window,
-                     [this](bool on) { m_controller.setAnimation(on); });
+void AppDelegate::loadPresets() {
+    m_presets.loadSettings6();
 }
 
-void AppDelegate::loadPresetOnceOnScreen() {
+void AppDelegate::followWindowOnceOnScreen() {
     // The launch point follows from the stage's size, which the desktop may decide when it shows the window.
     QObject::connect(&m_stage, &StageView::appeared, &m_window, [this] {
-        m_presets.loadSettings6();
+        m_controller.slidersMoved();
+        m_stage.restart(); // What is told of a picture holds from moment 0 on.
         m_windowPlace.follow();
     });
 }
 
-void AppDelegate::showWindow() {
-    m_window.show();
+void AppDelegate::connectSliders() {
+    QObject::connect(&m_panel, &SliderPanel::moved, &m_window, [this] { m_controller.slidersMoved(); });
+    QObject::connect(&m_panel, &SliderPanel::resetRequested, &m_window, [this] { m_controller.resetSliders(); });
+    QObject::connect(&m_panel, &SliderPanel::loadRequested, &m_window, [this] {
+        m_presets.loadSettings6();
+        m_window.resultLine().showResult(qtTrId("settingsLoadedResult"));
+    });
+    QObject::connect(&m_panel, &SliderPanel::saveRequested, &m_window, [this] { m_presets.saveSettings6a(); });
+}
+
+void AppDelegate::connectCommands() {
+    const Menus& menus = m_window.menus();
+    const Toolbar& toolbar = m_window.toolbar();
+    const auto on = [this](const QAction& action, auto call) {
+        QObject::connect(&action, &QAction::triggered, &m_window, call);
+    };
+    for (const QAction* action : {&menus.action(Command::AppPreferences), &toolbar.button(ToolItem::Preferences)}) {
+        on(*action, [this] { openPreferences(); });
+    }
+    for (const QAction* action :
+         {&menus.action(Command::WindowOpensettings), &toolbar.button(ToolItem::Showsettings)}) {
+        on(*action, [this] { m_sidebar.openSettings(); });
+    }
+    on(menus.action(Command::EmitterReset), [this] { m_controller.resetSliders(); });
+
+    // One switch with two faces.
+    QAction& animation = menus.action(Command::EmitterAnimation);
+    SegmentedControl& onoff = toolbar.onoffControl();
+    animation.setChecked(true);
+    on(animation, [this, &onoff](bool checked) {
+        onoff.setSelectedSegment(checked ? Toolbar::onSegment : Toolbar::offSegment);
+        toolOnoffT1Changed();
+    });
+    QObject::connect(&onoff, &SegmentedControl::segmentSelected, &m_window, [this, &animation](int segment) {
+        animation.setChecked(segment == Toolbar::onSegment);
+        toolOnoffT1Changed();
+    });
+}
+
+void AppDelegate::connectExports() {
+    const auto validate = [this] { m_exportGate.validateImageExport(); };
+    QObject::connect(&m_exportFolder, &ExportFolder::changed, &m_window, validate);
+    QObject::connect(&m_exportWindow, &ExportWindow::changed, &m_window, validate);
+    QObject::connect(&m_window.menus().action(Command::FileExportsettings), &QAction::triggered, &m_exportWindow,
+                     &ExportWindow::showExportFrame);
+    for (const QAction* action :
+         {&m_window.menus().action(Command::FileExport), &m_window.toolbar().button(ToolItem::Savepict)}) {
+        QObject::connect(action, &QAction::triggered, &m_window, [this] { savePicture(); });
+    }
+    ResultLine& line = m_window.resultLine();
+    QObject::connect(&m_pictureCommand, &PictureCommand::failed, &line, &ResultLine::showError);
+    QObject::connect(&m_pictureCommand, &PictureCommand::saved, &line, [&line](const std::filesystem::path& file) {
+        line.showResult(qtTrId("pictureSavedResult").arg(QString::fromStdString(pathText(file.filename()))),
+                        qtTrId("showInFolder"), urlOf(file));
+    });
+    QObject::connect(&line, &ResultLine::linkActivated, &m_window,
+                     [this](const QUrl& link) { m_surroundings.fileManager.showInFolder(pathOf(link)); });
+}
+
+void AppDelegate::savePicture() {
+    const auto folder = m_exportFolder.shown();
+    if (!folder) {
+        return;
+    }
+    auto capture = m_stage.capture();
+    const ShowNote note = showNote(capture);
+    m_pictureCommand.savePicture({.image = std::move(capture.image),
+                                  .folder = *folder,
+                                  .name = m_exportWindow.name(),
+                                  .format = m_exportWindow.format(),
+                                  .compression = m_exportWindow.compression(),
+                                  .numbered = isSwitchOn(4),
+                                  .note = note});
+}
+
+ShowNote AppDelegate::showNote(const StageView::Capture& capture) const {
+    ShowNote note{.program = QApplication::applicationName().toLower().toStdString(),
+                  .version = QApplication::applicationVersion().toStdString(),
+                  .seed = m_surroundings.seed,
+                  .moment = capture.moment,
+                  .stage = m_stage.size(),
+                  .launchPoint = m_controller.mortor().emitterPosition,
+                  .background = m_controller.rootLayer().backgroundColor,
+                  .steady = capture.steady};
+    for (const ParameterRow& row : parameterTable) {
+        note.positions[static_cast<std::size_t>(row.parameter)] = m_panel.position(row.parameter);
+    }
+    return note;
+}
+
+void AppDelegate::toolOnoffT1Changed() {
+    m_controller.setAnimation(m_window.toolbar().onoffControl().selectedSegment() == Toolbar::onSegment);
+    m_exportGate.validateImageExport();
+}
+
+void AppDelegate::connectSidebar() {
+    QObject::connect(&m_sidebar, &SettingsSidebar::opening, &m_window, [this] {
+        if (isSwitchOn(4)) {
+            m_presets.loadSettings6();
+        }
+    });
+    QObject::connect(&m_sidebar, &SettingsSidebar::opened, &m_window, [this] { sidebarIsOpen(true); });
+    QObject::connect(&m_sidebar, &SettingsSidebar::closed, &m_window, [this] { sidebarIsOpen(false); });
+}
+
+void AppDelegate::sidebarIsOpen(bool open) {
+    m_window.menus().action(Command::WindowOpensettings).setEnabled(!open);
+    m_window.toolbar().editToolItem(ToolItem::Showsettings, open ? QStringLiteral("0") : QStringLiteral("1"));
+}
+
+void AppDelegate::openPreferences() {
+    if (m_preferences == nullptr) {
+        m_preferences = std::make_unique<PreferencesWindow>(m_stores, m_surroundings.documents, m_menuSnapshot,
+                                                            m_surroundings.filePanel, m_window);
+    }
+    m_preferences->openPreferences();
+}
+
+void AppDelegate::closeCompanions() {
+    m_backgroundWell.saveNow();
+    m_sidebar.close();
+}
+
+bool AppDelegate::isSwitchOn(int number) const {
+    return m_stores.checkboxValue(static_cast<std::size_t>(number - 1)) == "1";
 }
 
 } // namespace starbloom

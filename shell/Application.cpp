@@ -24,9 +24,7 @@ void Application::tell(const std::runtime_error& failure) {
     if (std::exchange(m_told, true)) {
         return;
     }
-    auto* box = new QMessageBox(QMessageBox::Warning, tr("Settings cannot be saved"),
-                                tr("Your latest settings could not be saved. The show goes on; restart Starbloom to "
-                                   "have its settings files repaired."),
+    auto* box = new QMessageBox(QMessageBox::Warning, qtTrId("storeFailureTitle"), qtTrId("storeFailureText"),
                                 QMessageBox::Ok, activeWindow());
     box->setObjectName(QStringLiteral("storeFailure"));
     box->setInformativeText(QString::fromUtf8(failure.what()));

@@ -1,103 +1,68 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/MainWindow.h"
 
-#include "shell/SliderPanel.h"
+#include "engine/model/FireworksTree.h"
+#include "shell/Menus.h"
+#include "shell/StageSizeFields.h"
+#include "shell/Toolbar.h"
+#include "ui_MainWindow.h"
 #include "views/StageView.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QCheckBox>
-#include <QHBoxLayout>
-#include <QMenuBar>
+#include <QCloseEvent>
 #include <QScreen>
 #include <QShortcut>
-#include <QVBoxLayout>
-#include <QWindowStateChangeEvent>
 
 namespace starbloom {
 
-MainWindow::MainWindow(StageView& stage, SliderPanel& panel)
-    : m_stage(stage)
-    , m_panel(panel) {
-    setWindowTitle(QApplication::applicationDisplayName());
-    makeCommands();
-    makeMenus();
-    m_side = makeSide();
+namespace {
 
-    auto* content = new QWidget;
-    auto* layout = new QHBoxLayout(content);
-    layout->setContentsMargins({});
-    layout->setSpacing(0);
-    layout->addWidget(&m_stage, 1);
-    layout->addWidget(m_side);
-    setCentralWidget(content);
+constexpr QSize defaultStage{static_cast<int>(defaultStageSize.width), static_cast<int>(defaultStageSize.height)};
+
+} // namespace
+
+MainWindow::MainWindow(StageView& stage, DelayedCalls& calls)
+    : m_ui(std::make_unique<Ui::MainWindow>())
+    , m_stage(stage) {
+    m_ui->setupUi(this);
+    m_ui->stageLayout->addWidget(&m_stage);
+    m_stage.installEventFilter(this);
+    setMinimumSize(StageView::minimumStage + border);
+    m_menus = new Menus(*m_ui->menuBar, *this);
+    m_toolbar = new Toolbar(*m_ui->toolBar, calls);
+    m_leaveFullScreen = new QShortcut(Qt::Key_Escape, this);
+    m_leaveFullScreen->setEnabled(false);
+    connectWindowCommands();
 }
 
 MainWindow::~MainWindow() {
+    m_stage.removeEventFilter(this);
     m_stage.setParent(nullptr);
-    m_panel.setParent(nullptr);
 }
 
-QAction* MainWindow::addCommand(const QString& text, const QString& name, const QKeySequence& shortcut) {
-    auto* action = new QAction(text, this);
-    action->setObjectName(name);
-    action->setShortcut(shortcut);
-    // Known to the window itself, so that shortcuts also work in full screen, where the menu bar is hidden.
-    addAction(action);
-    return action;
+ResultLine& MainWindow::resultLine() const {
+    return *m_ui->resultLine;
 }
 
-void MainWindow::makeCommands() {
-    m_quit = addCommand(tr("&Quit"), QStringLiteral("quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
-    connect(m_quit, &QAction::triggered, this, &QWidget::close);
-
-    // The key that starts a presentation elsewhere. Space, the obvious one, belongs to whatever button has the focus.
-    m_animation = addCommand(tr("&Animation"), QStringLiteral("animation"), Qt::Key_F5);
-    m_animation->setCheckable(true);
-    m_animation->setChecked(true);
-    connect(m_animation, &QAction::toggled, this, &MainWindow::animationSwitched);
-
-    m_reset = addCommand(tr("&Reset All Sliders"), QStringLiteral("reset"), QKeySequence(Qt::CTRL | Qt::Key_R));
-    connect(m_reset, &QAction::triggered, this, &MainWindow::resetRequested);
-
-    m_fullScreen = addCommand(tr("&Full Screen"), QStringLiteral("fullScreen"), Qt::Key_F11);
-    m_fullScreen->setCheckable(true);
-    connect(m_fullScreen, &QAction::triggered, this, &MainWindow::showFullScreen);
-
-    m_leaveFullScreen = new QShortcut(Qt::Key_Escape, this);
-    m_leaveFullScreen->setEnabled(false);
+void MainWindow::connectWindowCommands() {
+    connect(&m_menus->action(Command::AppQuit), &QAction::triggered, this, &QWidget::close);
+    connect(&m_menus->action(Command::WindowMinimize), &QAction::triggered, this, &QWidget::showMinimized);
+    connect(&m_menus->action(Command::WindowFullscreen), &QAction::triggered, this, &MainWindow::showFullScreen);
     connect(m_leaveFullScreen, &QShortcut::activated, this, [this] { showFullScreen(false); });
-}
-
-void MainWindow::makeMenus() {
-    menuBar()->addMenu(tr("&File"))->addAction(m_quit);
-    menuBar()->addMenu(tr("&Show"))->addActions({m_animation, m_reset});
-    menuBar()->addMenu(tr("&View"))->addAction(m_fullScreen);
-}
-
-QWidget* MainWindow::makeSide() {
-    auto* animation = new QCheckBox(tr("&Animation"));
-    animation->setObjectName(QStringLiteral("animationSwitch"));
-    animation->setToolTip(tr("Lets time run, or stops it: every spark stays where it is."));
-    animation->setChecked(m_animation->isChecked());
-    connect(animation, &QCheckBox::toggled, m_animation, &QAction::setChecked);
-    connect(m_animation, &QAction::toggled, animation, &QCheckBox::setChecked);
-
-    auto* side = new QWidget;
-    auto* layout = new QVBoxLayout(side);
-    QMargins margins = layout->contentsMargins();
-    margins.setRight(0); // The panel has its own.
-    layout->setContentsMargins(margins);
-    layout->addWidget(animation);
-    layout->addWidget(&m_panel, 1);
-    return side;
+    connect(&m_toolbar->sizeFields(), &StageSizeFields::sizeTyped, this, &MainWindow::setFireworksViewSize);
 }
 
 void MainWindow::takeInitialSize() {
-    ensurePolished();
     // What a window's frame takes is not known before it is shown; this leaves room for the usual ones.
     const QSize frame(16, 48);
-    resize(sizeHint().boundedTo(screen()->availableSize() - frame));
+    resize((defaultStage + border).boundedTo(screen()->availableSize() - frame));
+}
+
+void MainWindow::setFireworksViewSize(const QSize& stage) {
+    if (isMaximized() || isFullScreen()) {
+        showNormal(); // Else the desktop would go on deciding the size.
+    }
+    resize(stage + border);
 }
 
 void MainWindow::showFullScreen(bool full) {
@@ -111,13 +76,29 @@ void MainWindow::changeEvent(QEvent* event) {
     }
 }
 
+void MainWindow::closeEvent(QCloseEvent* event) {
+    QMainWindow::closeEvent(event);
+    if (event->isAccepted()) {
+        emit closing();
+    }
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == &m_stage && event->type() == QEvent::Resize) {
+        m_toolbar->sizeFields().showSize(static_cast<QResizeEvent*>(event)->size());
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
 void MainWindow::followWindowState() {
     // From here and not from the command: the desktop has its own ways into full screen and out of it.
     const bool full = isFullScreen();
-    m_fullScreen->setChecked(full);
+    m_menus->action(Command::WindowFullscreen).setChecked(full);
     m_leaveFullScreen->setEnabled(full);
-    menuBar()->setVisible(!full);
-    m_side->setVisible(!full);
+    m_ui->chrome->setVisible(!full);
+    m_ui->resultLine->setVisible(!full);
+    const int side = (border.width()) / 2;
+    m_ui->stageLayout->setContentsMargins(full ? QMargins() : QMargins(side, 0, side, side));
 }
 
 } // namespace starbloom

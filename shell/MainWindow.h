@@ -1,54 +1,73 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/DelayedCalls.h"
+
 #include <QMainWindow>
 
-class QAction;
+#include <memory>
+
 class QShortcut;
+
+namespace Ui {
+class MainWindow;
+}
 
 namespace starbloom {
 
-class SliderPanel;
+class Menus;
+class ResultLine;
 class StageView;
+class Toolbar;
 
-/// The window: the stage, beside it the sliders with the animation's switch, and a small menu.
+/// The window: menus and toolbar, the stage below them, and under it a line with what was done last.
 ///
-/// Borrows the stage and the panel: they are its children while it lives and are handed back, without a parent, when it
-/// is destroyed; both must outlive it. In full screen only the stage is left, Escape leads back. Lives on the GUI
-/// thread.
+/// Its size is the stage's and a fixed border around it: 82 points for menus and toolbar, 5 at the left, right and
+/// bottom of the stage, 22 for the line. In full screen only the stage is left, Escape leads back.
+///
+/// Borrows the stage: it is a child of the window while that lives and is handed back, without a parent, when it is
+/// destroyed; it must outlive the window. Lives on the GUI thread.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    MainWindow(StageView& stage, SliderPanel& panel);
+    /// What the window has beside the stage, in points.
+    static constexpr QSize border{10, 109};
+
+    MainWindow(StageView& stage, DelayedCalls& calls);
     ~MainWindow() override;
 
     /// Gives the window the size at which the stage has its default one, or what fits on the screen.
     void takeInitialSize();
 
+    /// Gives the window the size at which the stage has this one; its top edge stays where it is.
+    void setFireworksViewSize(const QSize& stage);
+
+    Menus& menus() const { return *m_menus; }
+
+    Toolbar& toolbar() const { return *m_toolbar; }
+
+    ResultLine& resultLine() const;
+
 signals:
-    void animationSwitched(bool on);
-    void resetRequested();
+    /// The window closes; its companions are to be closed, too.
+    void closing();
 
 protected:
     void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    QAction* addCommand(const QString& text, const QString& name, const QKeySequence& shortcut);
-    void makeCommands();
-    void makeMenus();
-    QWidget* makeSide();
+    void connectWindowCommands();
     void showFullScreen(bool full);
     void followWindowState();
 
+    std::unique_ptr<Ui::MainWindow> m_ui;
     StageView& m_stage;
-    SliderPanel& m_panel;
-    QAction* m_quit = nullptr;
-    QAction* m_animation = nullptr;
-    QAction* m_reset = nullptr;
-    QAction* m_fullScreen = nullptr;
-    QShortcut* m_leaveFullScreen = nullptr;
-    QWidget* m_side = nullptr; ///< Everything beside the stage.
+    Menus* m_menus;
+    Toolbar* m_toolbar;
+    QShortcut* m_leaveFullScreen;
 };
 
 } // namespace starbloom

@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/SliderPanel.h"
 
+#include "shell/ButtonText.h"
+#include "ui_SliderPanel.h"
 #include "views/ParameterSlider.h"
+#include "views/Texts.h"
 
 #include <QEvent>
-#include <QGridLayout>
 #include <QLabel>
 #include <QMouseEvent>
-#include <QPushButton>
-#include <QScrollArea>
 #include <QStyle>
-#include <QVBoxLayout>
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 namespace starbloom {
 
@@ -20,117 +21,75 @@ namespace {
 
 enum Column { NameColumn, SliderColumn, ValueColumn, ColumnCount };
 
-/// Long enough to aim at a value, short enough to leave the window to the stage. Points.
-constexpr int sliderWidth = 150;
+/// The least at which the steps of a slider can still be aimed at. Points.
+constexpr int sliderWidth = 72;
+
+/// Between the last row of a group and the next group's heading, beside the usual spacing. Points.
+constexpr int groupGap = 6;
+
+QString textFor(const ParameterRow& row, const char* kind) {
+    return textOf(std::string(row.name) + kind);
+}
 
 QString toolTipOf(const ParameterRow& row) {
-    auto effect = QString::fromUtf8(row.effect.data(), static_cast<qsizetype>(row.effect.size()));
-    effect.front() = effect.front().toUpper();
-    return SliderPanel::tr("%1.\nDouble-click to put it back to %2.")
-        .arg(effect, ParameterSlider::text(row, static_cast<float>(row.resetPosition)));
+    return qtTrId("settingsSliderToolTip")
+        .arg(textFor(row, "Effect"), ParameterSlider::text(row, static_cast<float>(row.resetPosition)));
 }
 
-/// Kept free at the right by all but the scroll bar, which lies at the very edge.
-int rightMargin(const QWidget& widget) {
-    return widget.style()->pixelMetric(QStyle::PM_LayoutRightMargin, nullptr, &widget);
-}
-
-/// The group that a parameter is the first of; nothing for all others.
-QString groupBeginningAt(Parameter parameter) {
-    switch (parameter) {
-    case Parameter::RocketHeight:
-        return SliderPanel::tr("Rockets");
-    case Parameter::ExplodeLife:
-        return SliderPanel::tr("Bursts");
-    case Parameter::SparkleBirth:
-        return SliderPanel::tr("Sparkles");
-    case Parameter::AnimateSpeed:
-        return SliderPanel::tr("Time");
-    default:
-        return {};
+/// The key of the group that a parameter is in.
+const char* groupOf(Parameter parameter) {
+    if (parameter < Parameter::ExplodeLife) {
+        return "settingsGroupRocket";
     }
+    if (parameter < Parameter::SparkleBirth) {
+        return "settingsGroupBurst";
+    }
+    return parameter < Parameter::AnimateSpeed ? "settingsGroupSparkle" : "settingsGroupAnimation";
 }
 
 } // namespace
 
 SliderPanel::SliderPanel(QWidget* parent)
     : QWidget(parent)
-    , m_scroll(new QScrollArea)
-    , m_reset(new QPushButton(tr("&Reset all")))
-    , m_load(new QPushButton(tr("&Load")))
-    , m_save(new QPushButton(tr("S&ave"))) {
-    m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scroll->setWidgetResizable(true);
-    m_scroll->setFocusPolicy(Qt::NoFocus);
-    m_scroll->setWidget(makeRows());
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins({});
-    layout->addWidget(m_scroll, 1);
-    layout->addLayout(makeButtons());
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
-    fitWidth();
+    , m_ui(std::make_unique<Ui::SliderPanel>()) {
+    m_ui->setupUi(this);
+    connect(m_ui->resetButton, &QPushButton::clicked, this, &SliderPanel::resetRequested);
+    connect(m_ui->loadButton6, &QPushButton::clicked, this, &SliderPanel::loadRequested);
+    connect(m_ui->saveButton6, &QPushButton::clicked, this, &SliderPanel::saveRequested);
+    m_ui->grid->setColumnMinimumWidth(SliderColumn, sliderWidth);
+    const char* group = "";
+    for (const ParameterRow& parameter : parameterTable) {
+        if (std::string_view(groupOf(parameter.parameter)) != group) {
+            group = groupOf(parameter.parameter);
+            addGroup(textOf(group));
+        }
+        addRow(parameter, textOf(group));
+    }
+    m_ui->grid->setRowStretch(m_ui->grid->rowCount(), 1);
 }
 
 SliderPanel::~SliderPanel() = default;
 
-QLayout* SliderPanel::makeButtons() {
-    m_reset->setObjectName(QStringLiteral("resetButton"));
-    m_reset->setToolTip(tr("Puts all fourteen sliders back to where they were at first."));
-    connect(m_reset, &QPushButton::clicked, this, &SliderPanel::resetRequested);
-    m_load->setObjectName(QStringLiteral("loadButton6"));
-    m_load->setToolTip(tr("Puts all sliders back to the positions that were saved last."));
-    connect(m_load, &QPushButton::clicked, this, &SliderPanel::loadRequested);
-    m_save->setObjectName(QStringLiteral("saveButton6"));
-    m_save->setToolTip(tr("Keeps the positions of all sliders; the next start begins with them."));
-    connect(m_save, &QPushButton::clicked, this, &SliderPanel::saveRequested);
-
-    auto* line = new QHBoxLayout;
-    line->setContentsMargins(0, 0, rightMargin(*this), 0);
-    line->addWidget(m_reset);
-    line->addStretch();
-    line->addWidget(m_load);
-    line->addWidget(m_save);
-    return line;
-}
-
-QWidget* SliderPanel::makeRows() {
-    auto* rows = new QWidget;
-    auto* grid = new QGridLayout(rows);
-    grid->setContentsMargins(0, 0, rightMargin(*this), 0);
-    grid->setColumnStretch(SliderColumn, 1);
-    grid->setColumnMinimumWidth(SliderColumn, sliderWidth);
-    for (const ParameterRow& parameter : parameterTable) {
-        if (const QString group = groupBeginningAt(parameter.parameter); !group.isEmpty()) {
-            addGroup(*grid, group);
-        }
-        addRow(*grid, parameter);
-    }
-    grid->setRowStretch(grid->rowCount(), 1);
-    return rows;
-}
-
-void SliderPanel::addGroup(QGridLayout& grid, const QString& title) {
+void SliderPanel::addGroup(const QString& title) {
     auto* heading = new QLabel(title);
     QFont bold = heading->font();
     bold.setBold(true);
     heading->setFont(bold);
-    const int line = grid.rowCount();
-    if (line > 1) {
-        heading->setContentsMargins(0, grid.verticalSpacing(), 0, 0);
-    }
-    grid.addWidget(heading, line, NameColumn, 1, ColumnCount);
+    const int line = m_ui->grid->rowCount();
+    heading->setContentsMargins(0, line > 1 ? groupGap : 0, 0, 0);
+    m_ui->grid->addWidget(heading, line, NameColumn, 1, ColumnCount);
 }
 
-void SliderPanel::addRow(QGridLayout& grid, const ParameterRow& parameter) {
+void SliderPanel::addRow(const ParameterRow& parameter, const QString& group) {
     auto* slider = new ParameterSlider(parameter);
-    auto* name = new QLabel(slider->accessibleName());
+    auto* name = new QLabel(textFor(parameter, "Title"));
     auto* value = new QLabel;
     const QString toolTip = toolTipOf(parameter);
     for (QWidget* each : {static_cast<QWidget*>(name), static_cast<QWidget*>(slider), static_cast<QWidget*>(value)}) {
         each->setToolTip(toolTip);
     }
+    slider->setAccessibleName(qtTrId("settingsSliderName").arg(group, name->text()));
+    slider->setAccessibleDescription(textFor(parameter, "Effect"));
     name->setBuddy(slider);
     name->installEventFilter(this);
     value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -143,10 +102,10 @@ void SliderPanel::addRow(QGridLayout& grid, const ParameterRow& parameter) {
     connect(slider, &ParameterSlider::positionChanged, value, showValue);
     connect(slider, &ParameterSlider::moved, this, &SliderPanel::moved);
 
-    const int line = grid.rowCount();
-    grid.addWidget(name, line, NameColumn);
-    grid.addWidget(slider, line, SliderColumn);
-    grid.addWidget(value, line, ValueColumn);
+    const int line = m_ui->grid->rowCount();
+    m_ui->grid->addWidget(name, line, NameColumn);
+    m_ui->grid->addWidget(slider, line, SliderColumn);
+    m_ui->grid->addWidget(value, line, ValueColumn);
     m_rows[static_cast<std::size_t>(parameter.parameter)] = {name, slider, value};
 }
 
@@ -166,11 +125,21 @@ void SliderPanel::setEnabled(Parameter parameter, bool enabled) {
 }
 
 void SliderPanel::setResetEnabled(bool enabled) {
-    m_reset->setEnabled(enabled);
+    m_ui->resetButton->setEnabled(enabled);
 }
 
 void SliderPanel::setSaveEnabled(bool enabled) {
-    m_save->setEnabled(enabled);
+    m_ui->saveButton6->setEnabled(enabled);
+}
+
+void SliderPanel::setPresetsEnabled(bool enabled) {
+    m_ui->loadButton6->setEnabled(enabled);
+    m_ui->saveButton6->setEnabled(enabled);
+}
+
+void SliderPanel::colourButtons() {
+    setButtonText(orange, *m_ui->loadButton6);
+    setButtonText(skyBlue, *m_ui->saveButton6);
 }
 
 void SliderPanel::changeEvent(QEvent* event) {
@@ -199,8 +168,8 @@ void SliderPanel::fitWidth() {
         row.value->setMinimumWidth(widest);
     }
     // With room for the scroll bar at all times: when it comes, sliders get shorter, and no text moves out of sight.
-    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_scroll);
-    m_scroll->setFixedWidth(m_scroll->widget()->minimumSizeHint().width() + bar);
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_ui->scroll);
+    m_ui->scroll->setMinimumWidth(m_ui->rows->minimumSizeHint().width() + bar);
 }
 
 bool SliderPanel::eventFilter(QObject* watched, QEvent* event) {

@@ -6,12 +6,13 @@
 #include <QWidget>
 
 #include <array>
+#include <memory>
 
-class QGridLayout;
 class QLabel;
-class QLayout;
-class QPushButton;
-class QScrollArea;
+
+namespace Ui {
+class SliderPanel;
+}
 
 namespace starbloom {
 
@@ -20,9 +21,8 @@ class ParameterSlider;
 /// The fourteen sliders in four groups, each with its name and its value, and below them the buttons that load and save
 /// the preset and reset the sliders.
 ///
-/// Scrolls when it is given less height than it needs; its width depends on the font alone, so that a value that grows
-/// a digit moves nothing. Reaches to its right edge with the scroll bar, and keeps the usual margin there otherwise.
-/// Owns its widgets. Lives on the GUI thread.
+/// Scrolls when it is given less height than it needs; its least width depends on the font alone, so that a value that
+/// grows a digit moves nothing. Owns its widgets. Lives on the GUI thread.
 class SliderPanel : public QWidget, public ParameterPanel {
     Q_OBJECT
 
@@ -38,6 +38,12 @@ public:
 
     /// The save button rests while a save is on its way.
     void setSaveEnabled(bool enabled);
+
+    /// Both buttons of the preset, which rest while a movie is being made.
+    void setPresetsEnabled(bool enabled);
+
+    /// Gives the buttons of the preset their coloured titles.
+    void colourButtons();
 
 signals:
     /// The user has moved a slider, or put one back.
@@ -62,19 +68,14 @@ private:
         QLabel* value = nullptr;
     };
 
-    QWidget* makeRows();
-    QLayout* makeButtons();
-    void addGroup(QGridLayout& grid, const QString& title);
-    void addRow(QGridLayout& grid, const ParameterRow& parameter);
+    void addGroup(const QString& title);
+    void addRow(const ParameterRow& parameter, const QString& group);
     void fitWidth();
 
     const Row& rowOf(Parameter parameter) const { return m_rows[static_cast<std::size_t>(parameter)]; }
 
+    std::unique_ptr<Ui::SliderPanel> m_ui;
     std::array<Row, parameterCount> m_rows;
-    QScrollArea* m_scroll;
-    QPushButton* m_reset;
-    QPushButton* m_load;
-    QPushButton* m_save;
 };
 
 } // namespace starbloom

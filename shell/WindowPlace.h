@@ -4,56 +4,33 @@
 #include "base/DelayedCalls.h"
 #include "persistence/files/WindowFrames.h"
 #include "persistence/stores/Stores.h"
-
-#include <QObject>
-#include <QRect>
-
-#include <vector>
+#include "shell/FrameKeeper.h"
 
 class QWidget;
 
 namespace starbloom {
 
-/// All screens in the desktop's order, in points from the bottom left of the primary one, upward.
-std::vector<Screen> desktopScreens();
-
-/// Remembers where the main window was.
-///
-/// A window's frame is its client rectangle; the store counts from the bottom left. A move or a change of size is
-/// written when it has come to rest, and at the latest when the window closes. Full screen, maximised and minimised
-/// windows are not written: their place is the desktop's.
-///
-/// The window, the stores and the calls must outlive it. Lives on the GUI thread. May throw StoreFailure out of the
-/// event loop, see KeyValueStore.
-class WindowPlace final : public QObject {
-    Q_OBJECT
-
+/// Remembers where the main window was. The window, the stores, the memory and the calls must outlive it. Lives on the
+/// GUI thread. May throw StoreFailure out of the event loop, see KeyValueStore.
+class WindowPlace {
 public:
-    WindowPlace(QWidget& window, Stores& stores, DelayedCalls& calls);
+    WindowPlace(QWidget& window, Stores& stores, WindowFrameMemory& memory, DelayedCalls& calls);
 
-    /// Gives the window, which has its first size but is not on the screen yet, its place by the mirrors. With nothing
-    /// saved it is centred, and that place is written.
+    /// Gives the window, which has its first size but is not on the screen yet, its place by the mirrors; the sidebar's
+    /// place goes to the memory. With nothing saved the window is centred, and that place is written.
     void restore(bool storeExists);
 
     /// From now on changes are the user's, and are written.
-    void follow();
-
-    /// Writes the present frame.
-    void saveWindowFrame();
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void follow() { m_keeper.follow(); }
 
 private:
     void centre();
-    void apply(const Frame& frame);
-    void saveIfMoved();
+    void saveWindowFrame(const Frame& frame);
 
     QWidget& m_window;
     Stores& m_stores;
-    DelayedCalls& m_calls;
-    QRect m_known; ///< What need not be written: where the window was put, or last written.
-    PendingCall m_pendingSave;
+    WindowFrameMemory& m_memory;
+    FrameKeeper m_keeper;
 };
 
 } // namespace starbloom

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
 #include "shell/Application.h"
+#include "shell/ColorScheme.h"
+#include "shell/DesktopFilePanel.h"
+#include "shell/FileManager.h"
 #include "shell/LogCategories.h"
 #include "shell/QtDelayedCalls.h"
 #include "shell/ShowSeed.h"
 #include "views/Texts.h"
 
 #include <QCommandLineParser>
+#include <QFile>
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <cstdio>
@@ -20,12 +25,13 @@ namespace {
 void describe(QCoreApplication& application) {
     application.setApplicationName(QStringLiteral("Starbloom"));
     application.setApplicationVersion(QStringLiteral(STARBLOOM_VERSION));
+    starbloom::loadTexts();
 }
 
 /// Answers --help and --version, and an argument that is none; all three end the program.
 void readArguments(const QCoreApplication& application) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QCoreApplication::translate("main", "Fireworks on the desktop."));
+    parser.setApplicationDescription(qtTrId("applicationDescription"));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.process(application);
@@ -73,6 +79,14 @@ void refuseInsteadOfAborting(QtMsgType type, const QMessageLogContext& context, 
     }
 }
 
+/// The desktop's own answer.
+class DesktopDocuments final : public starbloom::DocumentsFolder {
+public:
+    std::filesystem::path documentsFolder() const override {
+        return QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)).toStdString();
+    }
+};
+
 /// Where the program keeps its files. A user without a home gets a show that forgets.
 starbloom::AppFolder applicationFolder() {
     const auto dataHome = starbloom::AppFolder::dataHome([](const char* name) -> std::optional<std::string> {
@@ -92,12 +106,16 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(usualHandler);
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("starbloom"));
-    starbloom::loadTexts();
     readArguments(application);
 
     starbloom::sendLogToCategories();
+    const starbloom::ColorScheme colorScheme;
     starbloom::QtDelayedCalls calls;
-    starbloom::AppDelegate delegate(applicationFolder(), calls, starbloom::chooseShowSeed());
+    starbloom::DesktopFilePanel filePanel;
+    const DesktopDocuments documents;
+    starbloom::DesktopFileManager fileManager;
+    starbloom::AppDelegate delegate(applicationFolder(),
+                                    {calls, filePanel, documents, fileManager, starbloom::chooseShowSeed()});
     // From within the event loop, where the application catches what a failing store throws.
     QMetaObject::invokeMethod(
         &application, [&delegate] { delegate.launch(); }, Qt::QueuedConnection);

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
-#include "tests/support/HandDrivenCalls.h"
+#include "tests/shell/PreparedSurroundings.h"
 #include "tests/support/TemporaryFolder.h"
 #include "views/ParameterSlider.h"
+#include "views/PathControl.h"
+#include "views/SegmentedControl.h"
 
 #include <QAction>
-#include <QCheckBox>
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -26,7 +30,7 @@ protected:
 
     template <typename Widget>
     Widget& find(const char* name) {
-        auto* found = app.window().findChild<Widget*>(QString::fromUtf8(name));
+        auto* found = app.window().findChild<Widget*>(QString::fromUtf8(name)); // The sidebar is a child, too.
         EXPECT_NE(found, nullptr) << name;
         return *found;
     }
@@ -43,8 +47,8 @@ protected:
 
     std::chrono::nanoseconds now = 1h;
     TemporaryFolder home;
-    HandDrivenCalls calls;
-    AppDelegate app{AppFolder(home.path()), calls, 20, [this] { return now; }};
+    PreparedSurroundings around{home};
+    AppDelegate app{AppFolder(home.path()), around.with([this] { return now; })};
 };
 
 TEST_F(AppDelegateTest, StartsWithThePositionsOfTheSlidersOnAStageOfTheDefaultSize) {
@@ -66,6 +70,7 @@ TEST_F(AppDelegateTest, StartsWithThePositionsOfTheSlidersOnAStageOfTheDefaultSi
 }
 
 TEST_F(AppDelegateTest, SlidersChangeTheShowAndTheResetButtonBringsItBack) {
+    app.sidebar().openSettings();
     QTest::keyClick(&slider(Parameter::RocketBirth), Qt::Key_Right);
     EXPECT_FLOAT_EQ(static_cast<float>(rocketRate()), 0.6F);
     QTest::keyClick(&slider(Parameter::AnimateSpeed), Qt::Key_End);
@@ -80,40 +85,115 @@ TEST_F(AppDelegateTest, SlidersChangeTheShowAndTheResetButtonBringsItBack) {
     EXPECT_EQ(app.controller().mortor().emitterPosition, (Point{370.0, 0.0}));
 
     QTest::keyClick(&slider(Parameter::ExplodeGravity), Qt::Key_Home);
-    find<QAction>("reset").trigger();
+    find<QAction>("emitterReset").trigger();
     EXPECT_EQ(number("emitterCells.rocket.emitterCells.firework.yAcceleration"), -80.0);
 }
 
 TEST_F(AppDelegateTest, SwitchedOffItStandsStillAndIgnoresTheSliders) {
-    auto& box = find<QCheckBox>("animationSwitch");
+    auto& onoff = find<SegmentedControl>("onoffControlT1");
     QTest::keyClick(&app.window(), Qt::Key_F5);
     EXPECT_TRUE(app.controller().off());
-    EXPECT_FALSE(box.isChecked());
+    EXPECT_EQ(onoff.selectedSegment(), 1);
     EXPECT_EQ(speed(), 0.0F);
     QTest::keyClick(&slider(Parameter::RocketBirth), Qt::Key_End);
     QTest::keyClick(&slider(Parameter::AnimateSpeed), Qt::Key_Left);
-    find<QAction>("reset").trigger();
+    find<QAction>("emitterReset").trigger();
     EXPECT_FLOAT_EQ(static_cast<float>(rocketRate()), 0.5F);
     EXPECT_EQ(slider(Parameter::RocketBirth).position(), 40.0F);
 
-    QTest::keyClick(&box, Qt::Key_Space);
+    QTest::mouseClick(onoff.childAt(10, 16), Qt::LeftButton);
     EXPECT_FALSE(app.controller().off());
+    EXPECT_TRUE(find<QAction>("emitterAnimation").isChecked());
     EXPECT_EQ(speed(), 0.9F);
 }
 
 TEST_F(AppDelegateTest, FullScreenShowsTheStageAloneAndKeepsTheKeys) {
-    auto& panel = *app.window().findChild<SliderPanel*>();
+    auto& chrome = find<QWidget>("chrome");
     QTest::keyClick(&app.window(), Qt::Key_F11);
     ASSERT_TRUE(QTest::qWaitFor([&] { return app.window().isFullScreen(); }));
-    EXPECT_FALSE(panel.isVisible());
+    EXPECT_FALSE(chrome.isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return stage().rect().size() == app.window().rect().size(); }));
     QTest::keyClick(&app.window(), Qt::Key_F5);
     EXPECT_TRUE(app.controller().off());
 
     QTest::keyClick(&app.window(), Qt::Key_Escape);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !app.window().isFullScreen(); }));
-    EXPECT_TRUE(panel.isVisible());
-    EXPECT_FALSE(find<QAction>("fullScreen").isChecked());
+    EXPECT_TRUE(chrome.isVisible());
+    EXPECT_FALSE(find<QAction>("windowFullscreen").isChecked());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return stage().rect().size() == QSize(640, 480); }));
+}
+
+TEST_F(AppDelegateTest, ASizeIsTakenAtEachKeyThatLeavesBothFieldsValid) {
+    auto& width = find<QLineEdit>("widthFieldT1");
+    auto& height = find<QLineEdit>("heightFieldT1");
+    const auto type = [&](QLineEdit& field, const char* text) {
+        field.selectAll();
+        QApplication::clipboard()->setText(QString::fromUtf8(text));
+        *text == 0 ? field.del() : field.paste();
+        return field.palette().color(QPalette::Text) == QApplication::palette().color(QPalette::Text);
+    };
+    EXPECT_EQ(width.text(), "640");
+    EXPECT_EQ(height.text(), "480");
+    const QPoint top = app.window().geometry().topLeft();
+    EXPECT_TRUE(type(width, "480"));
+    EXPECT_TRUE(type(height, "320"));
+    EXPECT_EQ(app.window().geometry(), QRect(top, QSize(490, 429)));
+    EXPECT_EQ(stage().rect().size(), QSize(480, 320));
+    EXPECT_EQ(stage().mapTo(&app.window(), QPoint(0, 320)), QPoint(5, 429 - 27));
+    for (const char* wrong : {"479", "0640", "640.0", "+640", " 640", "0", ""}) {
+        EXPECT_FALSE(type(width, wrong)) << wrong;
+        EXPECT_TRUE(type(height, "400"));
+        EXPECT_EQ(app.window().geometry().size(), QSize(490, 429)) << wrong;
+    }
+    EXPECT_FALSE(type(height, "319"));
+    EXPECT_TRUE(type(width, "700"));
+    EXPECT_EQ(stage().rect().size(), QSize(480, 320));
+    EXPECT_TRUE(type(height, "400"));
+    EXPECT_EQ(stage().rect().size(), QSize(700, 400));
+    // Nobody's memory holds what a finger that stays on a key can ask for.
+    EXPECT_TRUE(type(width, "99999999"));
+    EXPECT_LE(stage().rect().width(), 8192);
+}
+
+TEST_F(AppDelegateTest, OffStopsTheShowAndBothExportButtonsAtOnce) {
+    const auto canExport = [this] {
+        const bool can = find<QAction>("savepictToolbar").isEnabled();
+        for (const char* name : {"savemovieToolbar", "fileExport", "fileExport2"}) {
+            EXPECT_EQ(find<QAction>(name).isEnabled(), can) << name;
+        }
+        return can;
+    };
+    auto& path = find<PathControl>("pathControlT1");
+    EXPECT_FALSE(canExport());
+    EXPECT_EQ(path.stringValue(), QString::fromStdString(std::string(unknownFolderText)));
+    around.panel.answer = std::nullopt; // Cancelled.
+    path.click();
+    EXPECT_FALSE(canExport());
+    around.panel.answer = home.path();
+    path.click();
+    EXPECT_TRUE(canExport());
+    EXPECT_EQ(path.stringValue(), QString::fromStdString(home.path().string()));
+    QTest::keyClick(&app.window(), Qt::Key_F5);
+    EXPECT_FALSE(canExport());
+    QTest::keyClick(&app.window(), Qt::Key_F5);
+    EXPECT_TRUE(canExport());
+    EXPECT_TRUE(find<QAction>("appPreferences").isEnabled());
+}
+
+TEST_F(AppDelegateTest, TheSidebarOpensAtItsPlaceOnceAndComesBackWhereItWas) {
+    auto& command = find<QAction>("windowOpensettings");
+    auto& button = find<QAction>("showsettingsToolbar");
+    command.trigger();
+    const QRect main = app.window().geometry();
+    EXPECT_EQ(app.sidebar().geometry(), QRect(main.right() + 1 - 296, main.top() + 81, 296, 559));
+    EXPECT_FALSE(command.isEnabled() || button.isEnabled());
+    app.sidebar().setGeometry(30, 40, 320, 500);
+    app.sidebar().close();
+    EXPECT_TRUE(command.isEnabled() && button.isEnabled());
+    button.trigger();
+    EXPECT_EQ(app.sidebar().geometry(), QRect(30, 40, 320, 500));
+    app.window().close();
+    EXPECT_FALSE(app.sidebar().isVisible());
 }
 
 TEST_F(AppDelegateTest, QuitClosesTheWindow) {

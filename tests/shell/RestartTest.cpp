@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
 #include "shell/QtDelayedCalls.h"
-#include "tests/support/HandDrivenCalls.h"
+#include "tests/shell/PreparedSurroundings.h"
 #include "tests/support/TemporaryFolder.h"
 #include "views/ParameterSlider.h"
 
@@ -26,7 +26,7 @@ class RestartTest : public ::testing::Test {
 protected:
     void start() {
         app.reset();
-        app = std::make_unique<AppDelegate>(AppFolder(home.path()), calls, 20);
+        app = std::make_unique<AppDelegate>(AppFolder(home.path()), around.with());
         app->launch();
         ASSERT_TRUE(QTest::qWaitFor([this] { return app->window().findChild<StageView*>()->renderedFrames() > 0; }));
     }
@@ -47,7 +47,8 @@ protected:
     }
 
     TemporaryFolder home;
-    HandDrivenCalls calls;
+    PreparedSurroundings around{home};
+    HandDrivenCalls& calls = around.calls;
     std::unique_ptr<AppDelegate> app;
 };
 

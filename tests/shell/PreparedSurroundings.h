@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "shell/AppDelegate.h"
+#include "tests/support/HandDrivenCalls.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <optional>
+#include <utility>
+
+namespace starbloom {
+
+/// Answers at once, with what the test has prepared, and keeps the question.
+class PreparedPanel final : public FilePanel {
+public:
+    void ask(const FilePanelRequest& request,
+             std::function<void(std::optional<std::filesystem::path> choice)> reply) override {
+        asked = request;
+        reply(answer);
+    }
+
+    std::optional<std::filesystem::path> answer;
+    FilePanelRequest asked;
+};
+
+/// What a whole application needs in a test: a clock moved by hand, prepared answers, a folder for everything.
+class PreparedSurroundings final : public DocumentsFolder, public FileManager {
+public:
+    explicit PreparedSurroundings(const TemporaryFolder& home)
+        : m_documents(home.path()) {}
+
+    Surroundings with(StageView::ClockSource clock = StageView::steadyClock) {
+        return {calls, panel, *this, *this, 20, std::move(clock)};
+    }
+
+    std::filesystem::path documentsFolder() const override { return m_documents; }
+
+    void showInFolder(const std::filesystem::path& file) override { shown = file; }
+
+    void open(const QUrl& url) override { opened = url; }
+
+    HandDrivenCalls calls;
+    PreparedPanel panel;
+    std::filesystem::path shown; ///< What the user was last shown, and
+    QUrl opened;                 ///< what was opened.
+
+private:
+    std::filesystem::path m_documents;
+};
+
+} // namespace starbloom

@@ -16,6 +16,14 @@
 
 namespace starbloom {
 
+namespace {
+
+QString shownName(const std::filesystem::path& file) {
+    return QString::fromStdString(pathText(file.filename()));
+}
+
+} // namespace
+
 AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     : m_surroundings(surroundings)
     , m_folder(std::move(folder))
@@ -37,7 +45,17 @@ AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     , m_exportWindow(m_folder.filePath4(), m_stores, m_menuSnapshot, surroundings.calls, m_window)
     , m_exportGate(m_window.menus(), m_window.toolbar(),
                    {[this] { return m_exportFolder.isKnown(); }, [this] { return m_exportWindow.nameIsValid(); }})
-    , m_pictureCommand(m_window, surroundings.filePanel) {}
+    , m_pictureCommand(surroundings.encoders, m_window, surroundings.filePanel)
+    , m_movieWindow({m_controller, m_panel, [this] { return m_stage.rect().size(); }}, m_stores, m_menuSnapshot,
+                    surroundings.calls, m_window)
+    , m_movieCommand({.encoders = surroundings.encoders,
+                      .filePanel = surroundings.filePanel,
+                      .calls = surroundings.calls,
+                      .clock = surroundings.clock,
+                      .startFolder = [this] { return movieFolder(); },
+                      .journal = m_folder.recordingJournal()},
+                     m_stage, m_controller, m_movieWindow, m_window)
+    , m_movieRescue(surroundings.encoders, m_folder.recordingJournal(), m_window) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -90,6 +108,7 @@ void AppDelegate::registerWindowObservers() {
     connectCommands();
     connectSidebar();
     connectExports();
+    connectMovies();
     QObject::connect(&m_window, &MainWindow::closing, &m_window, [this] { closeCompanions(); });
     followWindowOnceOnScreen();
 }
@@ -104,6 +123,7 @@ void AppDelegate::followWindowOnceOnScreen() {
         m_controller.slidersMoved();
         m_stage.restart(); // What is told of a picture holds from moment 0 on.
         m_windowPlace.follow();
+        m_movieRescue.offer();
     });
 }
 
@@ -158,12 +178,52 @@ void AppDelegate::connectExports() {
     }
     ResultLine& line = m_window.resultLine();
     QObject::connect(&m_pictureCommand, &PictureCommand::failed, &line, &ResultLine::showError);
-    QObject::connect(&m_pictureCommand, &PictureCommand::saved, &line, [&line](const std::filesystem::path& file) {
-        line.showResult(qtTrId("pictureSavedResult").arg(QString::fromStdString(pathText(file.filename()))),
-                        qtTrId("showInFolder"), urlOf(file));
+    QObject::connect(&m_pictureCommand, &PictureCommand::saved, &line,
+                     [this, &line](const std::filesystem::path& file) {
+                         line.showResult(qtTrId("pictureSavedResult").arg(shownName(file)), {linkToFolder(file)});
+                     });
+}
+
+void AppDelegate::connectMovies() {
+    for (const QAction* action :
+         {&m_window.menus().action(Command::FileExport2), &m_window.toolbar().button(ToolItem::Savemovie)}) {
+        QObject::connect(action, &QAction::triggered, &m_movieWindow, &MovieWindow::openMovieSettings);
+    }
+    const auto seconds = [](double length) { return QString::number(length, 'f', 1); };
+    QObject::connect(&m_movieCommand, &MovieCommand::failed, &m_window.resultLine(), &ResultLine::showError);
+    QObject::connect(&m_movieCommand, &MovieCommand::saved, &m_window,
+                     [this, seconds](const WrittenMovie& movie, std::int64_t missed) {
+                         const QString message =
+                             missed > 0 ? qtTrId("movieSavedWithMissesResult") : qtTrId("movieSavedResult");
+                         const QString told =
+                             message.arg(shownName(movie.path), seconds(movie.seconds)).arg(movie.frames);
+                         showMovie(missed > 0 ? told.arg(missed) : told, movie.path);
+                     });
+    QObject::connect(&m_movieRescue, &MovieRescue::failed, &m_window.resultLine(), &ResultLine::showError);
+    QObject::connect(&m_movieRescue, &MovieRescue::rescued, &m_window, [this, seconds](const RecoveredMovie& movie) {
+        showMovie(qtTrId("movieRescuedResult").arg(shownName(movie.path), seconds(movie.seconds)).arg(movie.frames),
+                  movie.path);
     });
-    QObject::connect(&line, &ResultLine::linkActivated, &m_window,
-                     [this](const QUrl& link) { m_surroundings.fileManager.showInFolder(pathOf(link)); });
+}
+
+ResultLine::LinkTo AppDelegate::linkToFolder(const std::filesystem::path& file) const {
+    return {qtTrId("showInFolder"), [this, file] { m_surroundings.fileManager.showInFolder(file); }};
+}
+
+void AppDelegate::showMovie(const QString& message, const std::filesystem::path& file) {
+    m_window.resultLine().showResult(message, {linkToFolder(file), {qtTrId("moviePlay"), [this, file] {
+                                                                        m_surroundings.fileManager.open(urlOf(file));
+                                                                    }}});
+}
+
+std::optional<std::filesystem::path> AppDelegate::movieFolder() const {
+    // The preferences' folder for exports, else that for documents.
+    return startFolder({}, m_stores.preferenceValue(1), m_surroundings.documents.documentsFolder());
+}
+
+void AppDelegate::terminate() {
+    m_movieCommand.finishNow();
+    m_window.close();
 }
 
 void AppDelegate::savePicture() {

@@ -16,12 +16,16 @@
 #include "shell/FileManager.h"
 #include "shell/MainWindow.h"
 #include "shell/Menus.h"
+#include "shell/MovieCommand.h"
+#include "shell/MovieRescue.h"
+#include "shell/MovieWindow.h"
 #include "shell/PictureCommand.h"
 #include "shell/SettingsSidebar.h"
 #include "shell/SliderPanel.h"
 #include "shell/StorePresets.h"
 #include "shell/Toolbar.h"
 #include "shell/WindowPlace.h"
+#include "views/ResultLine.h"
 #include "views/StageView.h"
 
 #include <cstdint>
@@ -38,13 +42,14 @@ struct Surroundings {
     FilePanel& filePanel;
     const DocumentsFolder& documents;
     FileManager& fileManager;
+    Encoders& encoders;
     std::uint64_t seed;
     StageView::ClockSource clock = StageView::steadyClock; ///< The stage's.
 };
 
 /// Owns the parts of the desktop application and wires them; the work is theirs. One lives for the whole run.
 ///
-///     AppDelegate app(AppFolder(dataHome), {calls, filePanel, documents, fileManager, seed});
+///     AppDelegate app(AppFolder(dataHome), {calls, filePanel, documents, fileManager, encoders, seed});
 ///     app.launch();
 ///     return QApplication::exec();
 ///
@@ -67,6 +72,9 @@ public:
     /// Exports a picture of this moment, with the settings as they are in the export window.
     void savePicture();
 
+    /// Ends the application as closing its window does; a movie that is being made is finished with what there is.
+    void terminate();
+
     const FireworksController& controller() const { return m_controller; }
 
     MainWindow& window() { return m_window; }
@@ -86,6 +94,10 @@ private:
     void connectCommands();
     void connectSidebar();
     void connectExports();
+    void connectMovies();
+    std::optional<std::filesystem::path> movieFolder() const;
+    ResultLine::LinkTo linkToFolder(const std::filesystem::path& file) const;
+    void showMovie(const QString& message, const std::filesystem::path& file);
     ShowNote showNote(const StageView::Capture& capture) const;
     void toolOnoffT1Changed();
     void sidebarIsOpen(bool open);
@@ -114,6 +126,9 @@ private:
     ExportWindow m_exportWindow;
     ExportGate m_exportGate;
     PictureCommand m_pictureCommand;
+    MovieWindow m_movieWindow;
+    MovieCommand m_movieCommand;
+    MovieRescue m_movieRescue;
     std::unique_ptr<PreferencesWindow> m_preferences; ///< Nothing until it is opened for the first time.
 };
 

@@ -22,11 +22,19 @@ QFileDialog* makeDialog(const FilePanelRequest& request, QWidget* parent) {
     dialog->setObjectName(QStringLiteral("filePanel"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     const bool folder = request.kind == FilePanelRequest::Kind::Folder;
-    dialog->setFileMode(folder ? QFileDialog::Directory : QFileDialog::ExistingFile);
+    const bool toWrite = request.kind == FilePanelRequest::Kind::NewFile;
+    dialog->setFileMode(folder ? QFileDialog::Directory : toWrite ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog->setAcceptMode(toWrite ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog->setOption(QFileDialog::ShowDirsOnly, folder);
     dialog->setOption(QFileDialog::ReadOnly, !request.canCreateFolders);
     if (request.startFolder) {
         dialog->setDirectory(QFile::decodeName(request.startFolder->c_str()));
+    }
+    if (toWrite) {
+        const QString extension = QString::fromStdString(request.extension);
+        dialog->setNameFilter(QStringLiteral("*.") + extension);
+        dialog->setDefaultSuffix(extension);
+        dialog->selectFile(QString::fromStdString(request.suggestedName) + u'.' + extension);
     }
     return dialog;
 }

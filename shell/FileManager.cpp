@@ -25,10 +25,6 @@ QUrl urlOf(const std::filesystem::path& file) {
     return QUrl::fromEncoded("file://" + encoded, QUrl::StrictMode);
 }
 
-std::filesystem::path pathOf(const QUrl& url) {
-    return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();
-}
-
 void DesktopFileManager::showInFolder(const std::filesystem::path& file) {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {

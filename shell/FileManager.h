@@ -27,8 +27,7 @@ public:
     void open(const QUrl& url) override;
 };
 
-/// A file's address. Names that are no UTF-8 survive.
+/// A file's address. A name that is no UTF-8 survives.
 QUrl urlOf(const std::filesystem::path& file);
-std::filesystem::path pathOf(const QUrl& url);
 
 } // namespace starbloom

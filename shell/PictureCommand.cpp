@@ -8,8 +8,9 @@
 
 namespace starbloom {
 
-PictureCommand::PictureCommand(QWidget& window, FilePanel& panel)
-    : m_window(window)
+PictureCommand::PictureCommand(Encoders& encoders, QWidget& window, FilePanel& panel)
+    : m_encoders(encoders)
+    , m_window(window)
     , m_panel(panel) {
     m_worker.setMaxThreadCount(1); // Numbers follow the order of the clicks.
 }
@@ -21,7 +22,7 @@ PictureCommand::~PictureCommand() {
 void PictureCommand::savePicture(PictureRequest request) {
     auto shared = std::make_shared<PictureRequest>(std::move(request));
     m_worker.start([this, shared] {
-        auto result = exportPicture(*shared);
+        auto result = m_encoders.exportPicture(*shared);
         QMetaObject::invokeMethod(
             this, [this, shared, result] { finished(shared, result); }, Qt::QueuedConnection);
     });

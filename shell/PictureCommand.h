@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "export/picture/PictureExport.h"
+#include "export/Encoders.h"
 #include "persistence/files/FilePanel.h"
 
 #include <QObject>
@@ -19,12 +19,12 @@ namespace starbloom {
 ///
 /// A picture that cannot be written is not lost: the user may have it written to another folder, as often as it takes.
 /// Pictures are written one after the other, in the order in which they were taken. Destroying this waits for those
-/// that are under way. The panel and the window must outlive it. GUI thread.
+/// that are under way. The encoders, the panel and the window must outlive it. GUI thread.
 class PictureCommand final : public QObject {
     Q_OBJECT
 
 public:
-    PictureCommand(QWidget& window, FilePanel& panel);
+    PictureCommand(Encoders& encoders, QWidget& window, FilePanel& panel);
     ~PictureCommand() override;
 
     void savePicture(PictureRequest request);
@@ -42,6 +42,7 @@ private:
     void offerAnotherFolder(const Shared& request, const QString& why);
     void askForFolder(const Shared& request, const QString& why);
 
+    Encoders& m_encoders;
     QWidget& m_window;
     FilePanel& m_panel;
     QThreadPool m_worker;

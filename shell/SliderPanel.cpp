@@ -129,12 +129,14 @@ void SliderPanel::setResetEnabled(bool enabled) {
 }
 
 void SliderPanel::setSaveEnabled(bool enabled) {
-    m_ui->saveButton6->setEnabled(enabled);
+    m_noSaveOnItsWay = enabled;
+    m_ui->saveButton6->setEnabled(m_noSaveOnItsWay && m_presetsEnabled);
 }
 
 void SliderPanel::setPresetsEnabled(bool enabled) {
+    m_presetsEnabled = enabled;
     m_ui->loadButton6->setEnabled(enabled);
-    m_ui->saveButton6->setEnabled(enabled);
+    m_ui->saveButton6->setEnabled(m_noSaveOnItsWay && m_presetsEnabled);
 }
 
 void SliderPanel::colourButtons() {

@@ -76,6 +76,8 @@ private:
 
     std::unique_ptr<Ui::SliderPanel> m_ui;
     std::array<Row, parameterCount> m_rows;
+    bool m_noSaveOnItsWay = true;
+    bool m_presetsEnabled = true;
 };
 
 } // namespace starbloom

@@ -4,21 +4,28 @@
 #include "shell/ColorScheme.h"
 #include "shell/DesktopFilePanel.h"
 #include "shell/FileManager.h"
+#include "shell/LoadedEncoders.h"
 #include "shell/LogCategories.h"
 #include "shell/QtDelayedCalls.h"
 #include "shell/ShowSeed.h"
+#include "shell/TerminationSignals.h"
 #include "views/Texts.h"
 
 #include <QCommandLineParser>
 #include <QFile>
 #include <QStandardPaths>
+#include <QThreadPool>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
+
+#include <fontconfig/fontconfig.h>
 
 namespace {
 
@@ -101,6 +108,7 @@ int main(int argc, char** argv) {
     if (!hasDisplay(argc, argv)) {
         return refuse(argc, argv);
     }
+    const std::jthread fonts([] { FcInit(); }); // Meanwhile; the first text needs them.
     usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
@@ -114,10 +122,18 @@ int main(int argc, char** argv) {
     starbloom::DesktopFilePanel filePanel;
     const DesktopDocuments documents;
     starbloom::DesktopFileManager fileManager;
+    starbloom::LoadedEncoders encoders;
     starbloom::AppDelegate delegate(applicationFolder(),
-                                    {calls, filePanel, documents, fileManager, starbloom::chooseShowSeed()});
+                                    {calls, filePanel, documents, fileManager, encoders, starbloom::chooseShowSeed()});
     // From within the event loop, where the application catches what a failing store throws.
     QMetaObject::invokeMethod(
         &application, [&delegate] { delegate.launch(); }, Qt::QueuedConnection);
-    return QApplication::exec();
+    const starbloom::TerminationSignals endings;
+    QObject::connect(&endings, &starbloom::TerminationSignals::received, &application, [&] { delegate.terminate(); });
+    // Later than the first frame, and before anybody has found the button.
+    calls.callAfter(std::chrono::seconds(2),
+                    [&] { QThreadPool::globalInstance()->start([&] { encoders.prepare(); }); });
+    const int status = QApplication::exec();
+    QThreadPool::globalInstance()->waitForDone();
+    return status;
 }

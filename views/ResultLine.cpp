@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QStyle>
 
+#include <utility>
+
 namespace starbloom {
 
 namespace {
@@ -116,8 +118,7 @@ private:
 ResultLine::ResultLine(QWidget* parent)
     : QWidget(parent)
     , m_errorSymbol(new ErrorSymbol(this))
-    , m_message(new Message(this))
-    , m_linkButton(new Link(this)) {
+    , m_message(new Message(this)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMinimumHeight(lineHeight);
     auto* row = new QHBoxLayout(this);
@@ -125,36 +126,39 @@ ResultLine::ResultLine(QWidget* parent)
     row->setSpacing(5);
     row->addWidget(m_errorSymbol);
     row->addWidget(m_message);
-    row->addWidget(m_linkButton);
     row->addStretch(1);
     m_errorSymbol->hide();
-    m_linkButton->hide();
-    connect(m_linkButton, &QPushButton::clicked, this, [this] { emit linkActivated(m_link); });
 }
 
-void ResultLine::showResult(const QString& text) {
-    setMessage(text, false, {}, {});
-}
-
-void ResultLine::showResult(const QString& text, const QString& linkText, const QUrl& link) {
-    setMessage(text, false, linkText, link);
+void ResultLine::showResult(const QString& text, std::vector<LinkTo> links) {
+    setMessage(text, false, std::move(links));
 }
 
 void ResultLine::showError(const QString& text) {
-    setMessage(text, true, {}, {});
+    setMessage(text, true, {});
 }
 
 void ResultLine::clear() {
-    setMessage({}, false, {}, {});
+    setMessage({}, false, {});
 }
 
-void ResultLine::setMessage(const QString& text, bool error, const QString& linkText, const QUrl& link) {
+void ResultLine::setMessage(const QString& text, bool error, std::vector<LinkTo> links) {
     m_text = text;
-    m_link = link;
     m_errorSymbol->setVisible(error);
     m_message->setText(text, error);
-    m_linkButton->setPlainText(linkText);
-    m_linkButton->setVisible(!linkText.isEmpty());
+    for (Link* old : std::exchange(m_links, {})) {
+        old->hide();
+        old->deleteLater(); // One of them may be what is being clicked.
+    }
+    auto* row = static_cast<QHBoxLayout*>(layout());
+    for (LinkTo& each : links) {
+        auto* link = new Link(this);
+        link->setPlainText(each.text);
+        connect(link, &QPushButton::clicked, this, [follow = std::move(each.follow)] { follow(); });
+        row->insertWidget(row->count() - 1, link); // Before the stretch.
+        link->show();
+        m_links.push_back(link);
+    }
     if (!text.isEmpty()) {
         QAccessibleEvent event(m_message, QAccessible::Alert);
         QAccessible::updateAccessibility(&event);

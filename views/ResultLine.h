@@ -2,12 +2,14 @@
 #pragma once
 
 #include <QString>
-#include <QUrl>
 #include <QWidget>
+
+#include <functional>
+#include <vector>
 
 namespace starbloom {
 
-/// One line that tells how the last command went, with a link to what it made where there is one.
+/// One line that tells how the last command went, with links to what it made.
 ///
 /// Texts are shown letter by letter, whatever they contain. What does not fit is left out at the end, and the tool tip
 /// shows all. Each new message is announced to assistive programs. Used on the GUI thread.
@@ -17,28 +19,29 @@ class ResultLine : public QWidget {
 public:
     explicit ResultLine(QWidget* parent = nullptr);
 
-    void showResult(const QString& text);
-    void showResult(const QString& text, const QString& linkText, const QUrl& link);
+    /// What a link says, and what it does.
+    struct LinkTo {
+        QString text;
+        std::function<void()> follow;
+    };
+
+    void showResult(const QString& text, std::vector<LinkTo> links = {});
     void showError(const QString& text);
     void clear();
 
     /// The message, never shortened; empty when there is none.
     QString text() const { return m_text; }
 
-signals:
-    void linkActivated(const QUrl& link);
-
 private:
     class Message;
     class Link;
 
-    void setMessage(const QString& text, bool error, const QString& linkText, const QUrl& link);
+    void setMessage(const QString& text, bool error, std::vector<LinkTo> links);
 
     QString m_text;
-    QUrl m_link;
     QWidget* m_errorSymbol;
     Message* m_message;
-    Link* m_linkButton;
+    std::vector<Link*> m_links; ///< Of the present message.
 };
 
 } // namespace starbloom

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/StageView.h"
 
+#include "base/Log.h"
 #include "engine/model/FireworksTree.h"
 #include "engine/time/EmitterPlan.h"
 
@@ -180,6 +181,9 @@ void StageView::invalidate() {
 }
 
 void StageView::paintEvent(QPaintEvent*) {
+    if (m_renderedFrames == 0) {
+        log(LogLevel::Info, "views", "first frame"); // What the benchmark of the launch waits for.
+    }
     QPainter painter(this);
     const QTransform toPixels = painter.deviceTransform();
     const QRect pixels = coveredPixels(rect(), toPixels);

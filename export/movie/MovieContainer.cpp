@@ -141,8 +141,9 @@ Result<MovieReader> MovieReader::open(const std::filesystem::path& path, int fra
         return failure(AVERROR_INVALIDDATA);
     }
     reader.m_stream = input->streams[0];
+    // A guess, which would be written down as a fact.
+    reader.m_stream->codecpar->bit_rate = 0;
     // The library keeps this one elsewhere when it reads.
-    reader.m_stream->codecpar->bit_rate = 0; // a guess, which would be written down as a fact
     reader.m_stream->codecpar->sample_aspect_ratio = reader.m_stream->sample_aspect_ratio;
     reader.m_frameDuration = {1, framesPerSecond};
     return reader;

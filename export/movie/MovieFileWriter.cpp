@@ -54,7 +54,7 @@ void layInto(ImageBuffer& canvas, const ImageBuffer& frame) {
 }
 
 /// Names the movie in the journal, if it can be.
-void nameInJournal(const MovieFileWriter::Job& job, const MovieWriter& writer, std::optional<MovieJournal>& journal) {
+void nameInJournal(const MovieJob& job, const MovieWriter& writer, std::optional<MovieJournal>& journal) {
     if (job.journal.empty()) {
         return;
     }
@@ -69,15 +69,17 @@ void nameInJournal(const MovieFileWriter::Job& job, const MovieWriter& writer, s
 
 } // namespace
 
-MovieFileWriter::MovieFileWriter(Job job, Progress progress, Finished finished)
+MovieFileWriter::MovieFileWriter(MovieJob job, MovieProgressCall progress, MovieFinishedCall finished)
     : m_job(std::move(job))
     , m_progress(std::move(progress))
     , m_finished(std::move(finished))
     , m_thread([this] { work(); }) {}
 
 MovieFileWriter::~MovieFileWriter() {
-    abort();
-    wait();
+    m_aborted = true;
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
 }
 
 void MovieFileWriter::wait() {

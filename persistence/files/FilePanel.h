@@ -8,15 +8,21 @@
 
 namespace starbloom {
 
-/// What a panel for choosing one existing file or folder shows.
+/// What a panel for choosing one file or folder shows.
 struct FilePanelRequest {
-    enum class Kind { Folder, File };
+    enum class Kind {
+        Folder,
+        File,    ///< One that exists.
+        NewFile, ///< One to be written; when it exists, the panel has asked whether it may be replaced.
+    };
 
     Kind kind = Kind::Folder;
     std::string message;                              ///< What the choice is for, in the user's language, UTF-8.
     std::string title;                                ///< The panel's title, in the user's language, UTF-8.
     std::optional<std::filesystem::path> startFolder; ///< Nothing leaves the choice to the panel.
     bool canCreateFolders = false;
+    std::string suggestedName = {}; ///< Of a new file, UTF-8.
+    std::string extension = {};     ///< Of a new file, without the dot; the only one that is allowed.
 };
 
 /// Asks the user for a file or folder. The shell implements it with a window, a test with prepared answers.

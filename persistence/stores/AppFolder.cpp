@@ -112,6 +112,10 @@ std::filesystem::path AppFolder::filePath6() const {
     return component("Data6.data");
 }
 
+std::filesystem::path AppFolder::recordingJournal() const {
+    return component("Recording");
+}
+
 void AppFolder::createAppFolder() const {
     if (!fileExists(filePathA())) {
         createFolder(filePathA());

@@ -60,6 +60,9 @@ public:
     /// "Data6.data": the background colour.
     std::filesystem::path filePath6() const;
 
+    /// "Recording": names the movie that is being written, for a run that comes after one that was killed.
+    std::filesystem::path recordingJournal() const;
+
     /// Makes the folder if it does not exist. Runs once at launch, before the first file is used; later operations take
     /// the folder for granted.
     void createAppFolder() const;

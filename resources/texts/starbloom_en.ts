@@ -119,7 +119,7 @@ Double-click to put it back to %2.</translation></message>
 <message id="controlMakemovie4Save"><translation>&amp;Save</translation></message>
 <message id="controlMakemovie4Create"><translation>&amp;Create…</translation></message>
 <message id="controlMakemovie4Cancel"><translation>Ca&amp;ncel</translation></message>
-<message id="controlMakemovie5Label5"><translation>Writing the movie</translation></message>
+<message id="controlMakemovie5Label5"><translation>Recording the movie</translation></message>
 <message id="controlMakemovie5Abortbutton5"><translation>&amp;Cancel</translation></message>
 <message id="controlIntroductionWindow"><translation>Introduction</translation></message>
 <message id="controlIntroductionDont"><translation>&amp;Do not show at start</translation></message>
@@ -188,5 +188,31 @@ Double-click to put it back to %2.</translation></message>
 <message id="pictureFailureText"><translation>The picture could not be saved. It is still there: choose another folder, or give it up.</translation></message>
 <message id="pictureAnotherFolder"><translation>&amp;Choose Another Folder…</translation></message>
 <message id="pictureDiscard"><translation>&amp;Give Up</translation></message>
+<!-- Movies -->
+<message id="movieFadeinToolTip"><translation>Starts with few rockets and more and more of them</translation></message>
+<message id="movieFadeinLength"><translation>Length of the fade-in in seconds</translation></message>
+<message id="movieLoadToolTip"><translation>Puts the choices back to those that were saved last</translation></message>
+<message id="movieSaveToolTip"><translation>Keeps these choices</translation></message>
+<message id="movieMemory"><translation>Saving a movie to your disk can require a temporary RAM increase up to %1 MB</translation></message>
+<message id="movieTooLargeTitle"><translation>Movie too large</translation></message>
+<message id="movieTooLargeText"><translation>This movie needs about %1 MB of memory, and %2 MB are free. Choose a shorter movie, fewer frames per second or a smaller stage.</translation></message>
+<message id="saveMovieMessage"><translation>Choose where the movie is saved</translation></message>
+<message id="Saving a movie file..."><translation>Save Movie</translation></message>
+<message id="movieSuggestedName"><translation>Untitled</translation></message>
+<message id="movieProgressTitle"><translation>Movie</translation></message>
+<message id="movieProgressName"><translation>Progress of the movie</translation></message>
+<message id="movieWriting"><translation>Writing the movie</translation></message>
+<message id="movieTimeLeft"><translation>%1 s left</translation></message>
+<message id="movieInhibitReason"><translation>A movie is being recorded</translation></message>
+<message id="movieNoFrames"><translation>The movie was not saved: not one frame could be recorded.</translation></message>
+<message id="movieSavedResult"><translation>Saved %1 (%2 s, %3 frames)</translation></message>
+<message id="movieSavedWithMissesResult"><translation>Saved %1 (%2 s, %3 frames, %4 missed)</translation></message>
+<message id="moviePlay"><translation>Play</translation></message>
+<message id="movieRescuedResult"><translation>Recovered %1 (%2 s, %3 frames)</translation></message>
+<message id="movieRescueTitle"><translation>Unfinished movie</translation></message>
+<message id="movieRescueText"><translation>Starbloom ended while it wrote the movie “%1”. What there is of it can be recovered.</translation></message>
+<message id="movieRescueYes"><translation>&amp;Recover</translation></message>
+<message id="movieRescueNever"><translation>&amp;Delete It</translation></message>
+<message id="movieRescueLater"><translation>&amp;Later</translation></message>
 </context>
 </TS>

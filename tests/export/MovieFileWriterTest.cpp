@@ -68,7 +68,7 @@ protected:
                 onProgress(written);
             }
         };
-        m_writer.emplace(MovieFileWriter::Job{target, journal, rate, storeOf(frames)}, progress,
+        m_writer.emplace(MovieJob{target, journal, rate, storeOf(frames)}, progress,
                          [&](const Outcome& result) { outcome = result; });
         ready.set_value();
         m_writer->wait();

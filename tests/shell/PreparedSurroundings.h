@@ -2,6 +2,7 @@
 #pragma once
 
 #include "shell/AppDelegate.h"
+#include "shell/LoadedEncoders.h"
 #include "tests/support/HandDrivenCalls.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -30,7 +31,7 @@ public:
         : m_documents(home.path()) {}
 
     Surroundings with(StageView::ClockSource clock = StageView::steadyClock) {
-        return {calls, panel, *this, *this, 20, std::move(clock)};
+        return {calls, panel, *this, *this, encoders, 20, std::move(clock)};
     }
 
     std::filesystem::path documentsFolder() const override { return m_documents; }
@@ -41,6 +42,7 @@ public:
 
     HandDrivenCalls calls;
     PreparedPanel panel;
+    LoadedEncoders encoders;
     std::filesystem::path shown; ///< What the user was last shown, and
     QUrl opened;                 ///< what was opened.
 

@@ -166,18 +166,16 @@ TEST(ResultLine, TellsEveryMessageAndFollowsItsLink) {
     const auto told = [&line] {
         return QAccessible::queryAccessibleInterface(line.findChild<QLabel*>())->text(QAccessible::Name);
     };
-    QSignalSpy activated(&line, &ResultLine::linkActivated);
-    const QUrl url = QUrl::fromLocalFile(QStringLiteral("/tmp/a b"));
+    int followed = 0;
     const QString message = QStringLiteral("Saved <b>&amp;") + QString(100, u'x');
-    line.showResult(message, QStringLiteral("R&D"), url);
+    line.showResult(message, {{QStringLiteral("R&D"), [&] { ++followed; }}});
     auto* link = line.findChild<QAbstractButton*>();
     QCoreApplication::processEvents();
     EXPECT_EQ(told(), message);
     EXPECT_LE(link->geometry().right(), 200);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(link)->text(QAccessible::Name), QStringLiteral("R&D"));
     QTest::keyClick(link, Qt::Key_Return);
-    ASSERT_EQ(activated.count(), 1);
-    EXPECT_EQ(activated.first().first().toUrl(), url);
+    EXPECT_EQ(followed, 1);
     line.showError(QStringLiteral("No space"));
     EXPECT_EQ(told(), QStringLiteral("Error: No space"));
     EXPECT_FALSE(link->isVisible());

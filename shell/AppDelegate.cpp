@@ -16,14 +16,6 @@
 
 namespace starbloom {
 
-namespace {
-
-QString shownName(const std::filesystem::path& file) {
-    return QString::fromStdString(pathText(file.filename()));
-}
-
-} // namespace
-
 AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     : m_surroundings(surroundings)
     , m_folder(std::move(folder))
@@ -40,22 +32,7 @@ AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     , m_menuSnapshot(m_window.menus())
     , m_backgroundWell(m_window.toolbar().colorWell(), m_folder.filePath6(), surroundings.calls,
                        [this](const Color& color) { m_controller.setBackgroundColor(color); })
-    , m_exportFolder(m_window.toolbar().pathControl(), surroundings.filePanel, m_menuSnapshot, m_stores,
-                     surroundings.documents, m_folder.filePath3())
-    , m_exportWindow(m_folder.filePath4(), m_stores, m_menuSnapshot, surroundings.calls, m_window)
-    , m_exportGate(m_window.menus(), m_window.toolbar(),
-                   {[this] { return m_exportFolder.isKnown(); }, [this] { return m_exportWindow.nameIsValid(); }})
-    , m_pictureCommand(surroundings.encoders, m_window, surroundings.filePanel)
-    , m_movieWindow({m_controller, m_panel, [this] { return m_stage.rect().size(); }}, m_stores, m_menuSnapshot,
-                    surroundings.calls, m_window)
-    , m_movieCommand({.encoders = surroundings.encoders,
-                      .filePanel = surroundings.filePanel,
-                      .calls = surroundings.calls,
-                      .clock = surroundings.clock,
-                      .startFolder = [this] { return movieFolder(); },
-                      .journal = m_folder.recordingJournal()},
-                     m_stage, m_controller, m_movieWindow, m_window)
-    , m_movieRescue(surroundings.encoders, m_folder.recordingJournal(), m_window) {}
+    , m_exports({m_window, m_stage, m_controller, m_panel}, m_surroundings, m_folder, m_stores, m_menuSnapshot) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -66,10 +43,10 @@ void AppDelegate::launch() {
     registerWindowObservers();
     m_window.toolbar().makeToolBar();
     m_window.toolbar().sizeFields().showSize(m_stage.rect().size());
-    m_exportFolder.loadSharedFolder();
+    m_exports.loadSharedFolder();
     m_backgroundWell.showStoredColor();
-    m_exportWindow.loadSettings3();
-    m_exportGate.validateImageExport();
+    m_exports.loadSettings3();
+    m_exports.validateImageExport();
     if (isSwitchOn(3)) {
         m_sidebar.openSettings();
     }
@@ -107,8 +84,6 @@ void AppDelegate::registerWindowObservers() {
     connectSliders();
     connectCommands();
     connectSidebar();
-    connectExports();
-    connectMovies();
     QObject::connect(&m_window, &MainWindow::closing, &m_window, [this] { closeCompanions(); });
     followWindowOnceOnScreen();
 }
@@ -123,7 +98,7 @@ void AppDelegate::followWindowOnceOnScreen() {
         m_controller.slidersMoved();
         m_stage.restart(); // What is told of a picture holds from moment 0 on.
         m_windowPlace.follow();
-        m_movieRescue.offer();
+        m_exports.offerRescue();
     });
 }
 
@@ -166,100 +141,14 @@ void AppDelegate::connectCommands() {
     });
 }
 
-void AppDelegate::connectExports() {
-    const auto validate = [this] { m_exportGate.validateImageExport(); };
-    QObject::connect(&m_exportFolder, &ExportFolder::changed, &m_window, validate);
-    QObject::connect(&m_exportWindow, &ExportWindow::changed, &m_window, validate);
-    QObject::connect(&m_window.menus().action(Command::FileExportsettings), &QAction::triggered, &m_exportWindow,
-                     &ExportWindow::showExportFrame);
-    for (const QAction* action :
-         {&m_window.menus().action(Command::FileExport), &m_window.toolbar().button(ToolItem::Savepict)}) {
-        QObject::connect(action, &QAction::triggered, &m_window, [this] { savePicture(); });
-    }
-    ResultLine& line = m_window.resultLine();
-    QObject::connect(&m_pictureCommand, &PictureCommand::failed, &line, &ResultLine::showError);
-    QObject::connect(&m_pictureCommand, &PictureCommand::saved, &line,
-                     [this, &line](const std::filesystem::path& file) {
-                         line.showResult(qtTrId("pictureSavedResult").arg(shownName(file)), {linkToFolder(file)});
-                     });
-}
-
-void AppDelegate::connectMovies() {
-    for (const QAction* action :
-         {&m_window.menus().action(Command::FileExport2), &m_window.toolbar().button(ToolItem::Savemovie)}) {
-        QObject::connect(action, &QAction::triggered, &m_movieWindow, &MovieWindow::openMovieSettings);
-    }
-    const auto seconds = [](double length) { return QString::number(length, 'f', 1); };
-    QObject::connect(&m_movieCommand, &MovieCommand::failed, &m_window.resultLine(), &ResultLine::showError);
-    QObject::connect(&m_movieCommand, &MovieCommand::saved, &m_window,
-                     [this, seconds](const WrittenMovie& movie, std::int64_t missed) {
-                         const QString message =
-                             missed > 0 ? qtTrId("movieSavedWithMissesResult") : qtTrId("movieSavedResult");
-                         const QString told =
-                             message.arg(shownName(movie.path), seconds(movie.seconds)).arg(movie.frames);
-                         showMovie(missed > 0 ? told.arg(missed) : told, movie.path);
-                     });
-    QObject::connect(&m_movieRescue, &MovieRescue::failed, &m_window.resultLine(), &ResultLine::showError);
-    QObject::connect(&m_movieRescue, &MovieRescue::rescued, &m_window, [this, seconds](const RecoveredMovie& movie) {
-        showMovie(qtTrId("movieRescuedResult").arg(shownName(movie.path), seconds(movie.seconds)).arg(movie.frames),
-                  movie.path);
-    });
-}
-
-ResultLine::LinkTo AppDelegate::linkToFolder(const std::filesystem::path& file) const {
-    return {qtTrId("showInFolder"), [this, file] { m_surroundings.fileManager.showInFolder(file); }};
-}
-
-void AppDelegate::showMovie(const QString& message, const std::filesystem::path& file) {
-    m_window.resultLine().showResult(message, {linkToFolder(file), {qtTrId("moviePlay"), [this, file] {
-                                                                        m_surroundings.fileManager.open(urlOf(file));
-                                                                    }}});
-}
-
-std::optional<std::filesystem::path> AppDelegate::movieFolder() const {
-    // The preferences' folder for exports, else that for documents.
-    return startFolder({}, m_stores.preferenceValue(1), m_surroundings.documents.documentsFolder());
-}
-
 void AppDelegate::terminate() {
-    m_movieCommand.finishNow();
+    m_exports.finishNow();
     m_window.close();
-}
-
-void AppDelegate::savePicture() {
-    const auto folder = m_exportFolder.shown();
-    if (!folder) {
-        return;
-    }
-    auto capture = m_stage.capture();
-    const ShowNote note = showNote(capture);
-    m_pictureCommand.savePicture({.image = std::move(capture.image),
-                                  .folder = *folder,
-                                  .name = m_exportWindow.name(),
-                                  .format = m_exportWindow.format(),
-                                  .compression = m_exportWindow.compression(),
-                                  .numbered = isSwitchOn(4),
-                                  .note = note});
-}
-
-ShowNote AppDelegate::showNote(const StageView::Capture& capture) const {
-    ShowNote note{.program = QApplication::applicationName().toLower().toStdString(),
-                  .version = QApplication::applicationVersion().toStdString(),
-                  .seed = m_surroundings.seed,
-                  .moment = capture.moment,
-                  .stage = m_stage.size(),
-                  .launchPoint = m_controller.mortor().emitterPosition,
-                  .background = m_controller.rootLayer().backgroundColor,
-                  .steady = capture.steady};
-    for (const ParameterRow& row : parameterTable) {
-        note.positions[static_cast<std::size_t>(row.parameter)] = m_panel.position(row.parameter);
-    }
-    return note;
 }
 
 void AppDelegate::toolOnoffT1Changed() {
     m_controller.setAnimation(m_window.toolbar().onoffControl().selectedSegment() == Toolbar::onSegment);
-    m_exportGate.validateImageExport();
+    m_exports.validateImageExport();
 }
 
 void AppDelegate::connectSidebar() {

@@ -8,6 +8,10 @@
 
 #include <QMessageBox>
 
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
+#include <thread>
 #include <utility>
 
 namespace starbloom {
@@ -18,6 +22,9 @@ namespace {
 constexpr std::chrono::milliseconds startDelay{500};
 
 constexpr std::chrono::milliseconds fadePeriod{500};
+
+/// For writing a movie when the program has been asked to end. Sessions wait a minute and a half before they kill.
+constexpr std::chrono::seconds longestGoodbye{30};
 
 QString megabytes(std::uint64_t bytes) {
     return QString::fromStdString(megabytesText(static_cast<double>(bytes)));
@@ -169,10 +176,19 @@ void MovieCommand::abort5Clicked() {
 void MovieCommand::finishNow() {
     m_pendingStart.cancel();
     m_recorder.finish();
-    if (m_writing != nullptr) {
-        m_writing->finishEarly();
-        m_writing->wait();
+    if (m_writing == nullptr) {
+        return;
     }
+    // All frames, if they can be written before the desktop loses its patience.
+    const std::jthread limit([writing = m_writing.get()](const std::stop_token& done) {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any waiting;
+        if (!waiting.wait_for(lock, done, longestGoodbye, [&] { return done.stop_requested(); })) {
+            writing->finishEarly();
+        }
+    });
+    m_writing->wait();
 }
 
 void MovieCommand::closeProgress() {

@@ -8,12 +8,26 @@ namespace starbloom {
 
 bool ToolRow::event(QEvent* event) {
     const bool handled = QToolBar::event(event);
-    // The style's distances come back at these events.
-    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange || event->type() == QEvent::Show) {
-        layout()->setContentsMargins(margin, 0, margin, 0);
-        layout()->setSpacing(spacing);
+    // The style's distances come back now and then, before these events at the latest.
+    switch (event->type()) {
+    case QEvent::Polish:
+    case QEvent::StyleChange:
+    case QEvent::Show:
+    case QEvent::Resize:
+    case QEvent::LayoutRequest:
+        keepDistances();
+        break;
+    default:
+        break;
     }
     return handled;
+}
+
+void ToolRow::keepDistances() {
+    if (!layout()->contentsMargins().isNull() || layout()->spacing() != spacing) {
+        layout()->setContentsMargins({});
+        layout()->setSpacing(spacing);
+    }
 }
 
 } // namespace starbloom

@@ -5,15 +5,12 @@
 
 namespace starbloom {
 
-/// A tool bar whose contents keep given distances, whatever the style would choose: from the window's edges, and from
-/// each other. Points. GUI thread.
+/// A tool bar whose contents reach its ends and keep a given distance from each other, whatever the style would choose.
+/// Points. GUI thread.
 class ToolRow : public QToolBar {
     Q_OBJECT
 
 public:
-    /// In line with the stage's edges.
-    static constexpr int margin = 5;
-
     /// The most with which all items fit above a stage of the default size.
     static constexpr int spacing = 4;
 
@@ -21,6 +18,9 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+
+private:
+    void keepDistances();
 };
 
 } // namespace starbloom

@@ -25,8 +25,9 @@ MAY_INCLUDE = {
     "cli": {"base", "engine", "persistence", "export", "resources"},
     "bench": {"base", "engine", "persistence", "export", "views", "cli", "resources"},
     "tests": {"base", "engine", "persistence", "export", "views", "shell", "cli", "resources"},
+    "tools": {"base", "engine", "persistence", "export", "views", "shell", "cli", "resources"},
 }
-MAY_USE_QT = {"views", "shell", "tests", "bench"}
+MAY_USE_QT = {"views", "shell", "tests", "tools", "bench"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 QT = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|qt\w*/.*)$")

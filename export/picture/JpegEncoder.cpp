@@ -11,10 +11,17 @@
 #include <cstdio>
 
 #include <jpeglib.h>
+#include <oneapi/tbb/parallel_for.h>
+#include <oneapi/tbb/task_arena.h>
 
 // libjpeg leaves a failed call by an exit function that must not return, hence a longjmp, which skips destructors.
-// Therefore everything that owns memory lives in encodeJpeg(), and the function with the setjmp holds plain values
-// only.
+// Therefore everything that owns memory lives in encodeStrip() and above, and the function with the setjmp holds plain
+// values only.
+//
+// A large picture is cut into strips of whole rows of blocks, which are compressed as files of their own by any number
+// of threads. Where a strip ends, the coder starts afresh, which is just what a restart marker announces to a decoder;
+// so the coded data of the strips with such markers between them, behind the header of the first strip with the height
+// of the whole, are one ordinary file. The cuts depend on the size alone, and so does every byte.
 
 namespace starbloom {
 
@@ -22,21 +29,49 @@ namespace {
 
 constexpr double fullColourFrom = 0.9;
 
+/// Sixteen strips at 1920 x 1080, so that many threads find work; to start them all costs a few per cent. The restart
+/// interval must fit in 16 bits, and a strip has 2048 units at most, or one row of at most 8188.
+constexpr int stripPixels = 1 << 17;
+
+/// A segment is a marker of two bytes, its length in two more, and what it tells.
+constexpr std::byte frameMarker{0xC0};
+constexpr std::byte scanMarker{0xDA};
+constexpr std::size_t heightInFrame = 5;
+constexpr std::size_t startMarkerSize = 2;
+constexpr unsigned restartMarkers = 8;
+
+using Bytes = std::vector<std::byte>;
+
+/// What all strips of a picture have in common.
+struct JpegPlan {
+    const ImageBuffer& image;
+    const std::string& comment;
+    Bytes profile;
+    int quality = 100; ///< 1 to 100.
+    bool hasFullColour = true;
+    int stripRows = 0;            ///< Pixels; the last strip may have fewer.
+    unsigned restartInterval = 0; ///< Units that are coded together, per strip; 0 for a single strip.
+
+    int stripCount() const { return stripRows < image.height() ? (image.height() - 1) / stripRows + 1 : 1; }
+};
+
 struct JpegWriting {
     jpeg_compress_struct jpeg{};
     jpeg_error_mgr handler{};
     jpeg_destination_mgr destination{};
     std::array<JOCTET, 65536> buffer{};
     MemoryFile output;
-    const ImageBuffer* image = nullptr;
-    int quality = 100;
-    bool hasFullColour = true;
-    std::vector<std::byte> profile;
-    const std::string* comment = nullptr;
+    const JpegPlan& plan;
+    int firstRow;
+    int rows;
     std::array<char, JMSG_LENGTH_MAX> failure{};
     std::jmp_buf returnPoint{};
 
-    JpegWriting() = default;
+    JpegWriting(const JpegPlan& toWrite, int strip)
+        : plan(toWrite)
+        , firstRow(strip * toWrite.stripRows)
+        , rows(std::min(toWrite.stripRows, toWrite.image.height() - firstRow)) {}
+
     JpegWriting(const JpegWriting&) = delete;
     JpegWriting& operator=(const JpegWriting&) = delete;
 
@@ -104,32 +139,41 @@ void setUp(JpegWriting& writing) {
     writing.destination.empty_output_buffer = emptyBuffer;
     writing.destination.term_destination = flushBuffer;
     jpeg.dest = &writing.destination;
-    jpeg.image_width = static_cast<JDIMENSION>(writing.image->width());
-    jpeg.image_height = static_cast<JDIMENSION>(writing.image->height());
+    jpeg.image_width = static_cast<JDIMENSION>(writing.plan.image.width());
+    jpeg.image_height = static_cast<JDIMENSION>(writing.rows);
     jpeg.input_components = ImageBuffer::channels;
     jpeg.in_color_space = JCS_EXT_RGBX;
     jpeg_set_defaults(&jpeg);
-    jpeg_set_quality(&jpeg, writing.quality, TRUE);
+    jpeg_set_quality(&jpeg, writing.plan.quality, TRUE);
     keepBlackBlack(jpeg);
-    if (!writing.hasFullColour) {
+    if (!writing.plan.hasFullColour) {
         keepColour(jpeg);
     }
-    jpeg.comp_info[0].h_samp_factor = writing.hasFullColour ? 1 : 2;
-    jpeg.comp_info[0].v_samp_factor = writing.hasFullColour ? 1 : 2;
+    jpeg.comp_info[0].h_samp_factor = writing.plan.hasFullColour ? 1 : 2;
+    jpeg.comp_info[0].v_samp_factor = writing.plan.hasFullColour ? 1 : 2;
+    jpeg.restart_interval = writing.plan.restartInterval;
+}
+
+void writeNotes(JpegWriting& writing) {
+    const JpegPlan& plan = writing.plan;
+    jpeg_write_icc_profile(&writing.jpeg, reinterpret_cast<const JOCTET*>(plan.profile.data()),
+                           static_cast<unsigned>(plan.profile.size()));
+    if (!plan.comment.empty()) {
+        jpeg_write_marker(&writing.jpeg, JPEG_COM, reinterpret_cast<const JOCTET*>(plan.comment.data()),
+                          static_cast<unsigned>(plan.comment.size()));
+    }
 }
 
 void writeJpeg(JpegWriting& writing) {
     setUp(writing);
     jpeg_compress_struct& jpeg = writing.jpeg;
     jpeg_start_compress(&jpeg, TRUE);
-    jpeg_write_icc_profile(&jpeg, reinterpret_cast<const JOCTET*>(writing.profile.data()),
-                           static_cast<unsigned>(writing.profile.size()));
-    if (!writing.comment->empty()) {
-        jpeg_write_marker(&jpeg, JPEG_COM, reinterpret_cast<const JOCTET*>(writing.comment->data()),
-                          static_cast<unsigned>(writing.comment->size()));
+    if (writing.firstRow == 0) {
+        writeNotes(writing);
     }
     while (jpeg.next_scanline < jpeg.image_height) {
-        auto* row = const_cast<JSAMPROW>(writing.image->row(static_cast<int>(jpeg.next_scanline)));
+        const int y = writing.firstRow + static_cast<int>(jpeg.next_scanline);
+        auto* row = const_cast<JSAMPROW>(writing.plan.image.row(y));
         jpeg_write_scanlines(&jpeg, &row, 1);
     }
     jpeg_finish_compress(&jpeg);
@@ -143,15 +187,8 @@ bool tryToWrite(JpegWriting& writing) {
     return true;
 }
 
-} // namespace
-
-Result<std::vector<std::byte>> encodeJpeg(const ImageBuffer& image, double quality, const std::string& comment) {
-    JpegWriting writing;
-    writing.image = &image;
-    writing.quality = static_cast<int>(std::lround(std::clamp(quality, 0.01, 1.0) * 100.0));
-    writing.hasFullColour = quality >= fullColourFrom;
-    writing.profile = srgbProfile();
-    writing.comment = &comment;
+Result<Bytes> encodeStrip(const JpegPlan& plan, int strip) {
+    JpegWriting writing(plan, strip);
     writing.jpeg.err = jpeg_std_error(&writing.handler);
     writing.jpeg.client_data = &writing;
     writing.handler.error_exit = onJpegError;
@@ -160,6 +197,83 @@ Result<std::vector<std::byte>> encodeJpeg(const ImageBuffer& image, double quali
         return Error{std::string("cannot make a JPEG: ") + writing.failure.data()};
     }
     return writing.output.take();
+}
+
+std::vector<Result<Bytes>> encodeStrips(const JpegPlan& plan) {
+    std::vector<Result<Bytes>> strips(static_cast<std::size_t>(plan.stripCount()), Bytes());
+    // Without the isolation this thread, while it waits for others, could start on another picture.
+    oneapi::tbb::this_task_arena::isolate([&] {
+        oneapi::tbb::parallel_for(0, plan.stripCount(), [&](int strip) {
+            strips[static_cast<std::size_t>(strip)] = encodeStrip(plan, strip);
+        });
+    });
+    return strips;
+}
+
+/// With the marker.
+std::size_t segmentSize(const Bytes& file, std::size_t at) {
+    return 2 + 256 * std::to_integer<std::size_t>(file[at + 2]) + std::to_integer<std::size_t>(file[at + 3]);
+}
+
+/// Where the segment with the marker begins in a file of our own making, which has it.
+std::size_t findSegment(const Bytes& file, std::byte marker) {
+    std::size_t at = startMarkerSize;
+    while (file[at + 1] != marker) {
+        at += segmentSize(file, at);
+    }
+    return at;
+}
+
+void setHeight(Bytes& file, int height) {
+    const std::size_t at = findSegment(file, frameMarker) + heightInFrame;
+    file[at] = static_cast<std::byte>(height >> 8);
+    file[at + 1] = static_cast<std::byte>(height & 0xFF);
+}
+
+/// The end of the file so far makes way for a restart and the coded data of the next strip, up to the end of that.
+void append(Bytes& file, const Bytes& next, std::size_t strip) {
+    file.end()[-1] = static_cast<std::byte>(JPEG_RST0 + (strip - 1) % restartMarkers);
+    const std::size_t scan = findSegment(next, scanMarker);
+    file.insert(file.end(), next.begin() + static_cast<std::ptrdiff_t>(scan + segmentSize(next, scan)), next.end());
+}
+
+Result<Bytes> join(std::vector<Result<Bytes>> strips, int height) {
+    std::size_t size = 0;
+    for (const auto& strip : strips) {
+        if (!strip) {
+            return strip.error();
+        }
+        size += strip.value().size();
+    }
+    Bytes file = std::move(strips.front()).value();
+    file.reserve(size);
+    setHeight(file, height);
+    for (std::size_t strip = 1; strip < strips.size(); ++strip) {
+        append(file, strips[strip].value(), strip);
+    }
+    return file;
+}
+
+/// The height of a strip of a picture with units of so many pixels in both directions.
+int stripRowsOf(const ImageBuffer& image, int unit) {
+    if (image.width() == 0 || image.height() > JPEG_MAX_DIMENSION) {
+        return image.height(); // One strip, which the library refuses in its own words.
+    }
+    return std::max(stripPixels / (image.width() * unit), 1) * unit;
+}
+
+} // namespace
+
+Result<std::vector<std::byte>> encodeJpeg(const ImageBuffer& image, double quality, const std::string& comment) {
+    JpegPlan plan{image, comment, srgbProfile()};
+    plan.quality = static_cast<int>(std::lround(std::clamp(quality, 0.01, 1.0) * 100.0));
+    plan.hasFullColour = quality >= fullColourFrom;
+    const int unit = plan.hasFullColour ? DCTSIZE : 2 * DCTSIZE;
+    plan.stripRows = stripRowsOf(image, unit);
+    if (plan.stripCount() > 1) {
+        plan.restartInterval = static_cast<unsigned>((image.width() + unit - 1) / unit * (plan.stripRows / unit));
+    }
+    return join(encodeStrips(plan), image.height());
 }
 
 } // namespace starbloom

@@ -99,6 +99,37 @@ TEST(PictureEncoder, everyStepOfQualityIsSmallerAndTheSkyStaysBlack) {
     }
 }
 
+/// Row by row, as it is coded: halved colour would be doubled by a filter that sees over the edges of a block.
+std::string brightness(const std::vector<std::byte>& jpeg) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(writeFile(folder / "a.jpg", jpeg));
+    const std::string raw = folder / "raw";
+    EXPECT_TRUE(runs("ffmpeg -v error -i " + (folder / "a.jpg").string() + " -vf extractplanes=y -f rawvideo " + raw));
+    return readFile(raw);
+}
+
+TEST(PictureEncoder, largeJpegsAreCodedInStripsThatDoNotShow) {
+    const ImageBuffer frame = showFrame(1001, 1203); // Ten strips: more than there are markers.
+    for (const double quality : {0.85, 1.0}) {
+        const auto file = encoded(frame, {PictureFormat::Jpeg, quality});
+        int restarts = 0;
+        for (std::size_t i = 1; i < file.size(); ++i) {
+            if (file[i - 1] == std::byte{0xFF} && (file[i] & std::byte{0xF8}) == std::byte{0xD0}) {
+                ASSERT_EQ(std::to_integer<int>(file[i] & std::byte{7}), restarts++ % 8); // Not every decoder looks.
+            }
+        }
+        EXPECT_EQ(restarts, 9);
+        const std::string whole = brightness(file);
+        ASSERT_EQ(whole.size(), 1001U * 1203U);
+        for (int top = 0; top < 1203; top += 112) { // Too small to be split, and cut between the same blocks.
+            ImageBuffer part(1001, std::min(112, 1203 - top));
+            std::copy_n(frame.row(top), part.bytes().size(), part.row(0));
+            const std::string alone = brightness(encoded(part, {PictureFormat::Jpeg, quality}));
+            ASSERT_TRUE(whole.substr(1001U * static_cast<std::size_t>(top), alone.size()) == alone) << top;
+        }
+    }
+}
+
 TEST(PictureEncoder, whatCannotBeDoneIsSaidInTheLibrarysWords) {
     const ImageBuffer wide(65536, 1);
     EXPECT_THAT(encodePicture(wide, {PictureFormat::Gif}, nullptr).error().message, HasSubstr("65535"));

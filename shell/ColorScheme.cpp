@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/ColorScheme.h"
 
+#include "shell/DarkStyle.h"
+
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -53,7 +55,8 @@ QPalette darkPalette() {
 
 } // namespace
 
-ColorScheme::ColorScheme() {
+ColorScheme::ColorScheme()
+    : m_usualStyle(QApplication::style()->name()) {
     const QByteArray forced = qgetenv("STARBLOOM_COLOR_SCHEME");
     if (forced == "light" || forced == "dark") {
         setDark(forced == "dark");
@@ -104,8 +107,10 @@ void ColorScheme::setDark(bool dark) {
     }
     m_dark = dark;
     if (dark) {
-        // Not every style paints with the palette that it is given; this one does.
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+        QApplication::setStyle(
+            new DarkStyle); // Not every style paints with the palette that it is given; this one does.
+    } else {
+        QApplication::setStyle(QStyleFactory::create(m_usualStyle));
     }
     QApplication::setPalette(dark ? darkPalette() : QPalette());
 }

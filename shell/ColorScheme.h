@@ -30,7 +30,8 @@ private:
     void apply(uint wish);
     void setDark(bool dark);
 
-    bool m_dark = false; ///< Whether our own dark palette is in use.
+    QString m_usualStyle; ///< The one that the desktop has chosen.
+    bool m_dark = false;  ///< Whether our own dark palette is in use.
 };
 
 } // namespace starbloom

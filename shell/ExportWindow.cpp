@@ -39,11 +39,16 @@ ExportWindow::ExportWindow(std::filesystem::path settingsFile, Stores& stores, M
     , m_ui(std::make_unique<Ui::ExportWindow>()) {
     m_ui->setupUi(this);
     // The box knows on which side the desktop has which button.
-    m_ui->buttonBox->addButton(m_ui->saveButton3, QDialogButtonBox::ApplyRole);
+    m_ui->buttonBox->addButton(m_ui->saveButton3, QDialogButtonBox::AcceptRole);
     m_ui->buttonBox->addButton(m_ui->cancelButton3, QDialogButtonBox::RejectRole);
     m_ui->nameNote3->setText(qtTrId("exportNameNote"));
+    // Its place is kept, so that nothing jumps while a person types.
+    QSizePolicy kept = m_ui->nameNote3->sizePolicy();
+    kept.setRetainSizeWhenHidden(true);
+    m_ui->nameNote3->setSizePolicy(kept);
     setControlTitles(*this);
     setButtonText(skyBlue, *m_ui->saveButton3);
+    m_ui->saveButton3->setDefault(true);
     setWindowModality(Qt::ApplicationModal);
     fill();
     connect(m_ui->formatPButton3, &QComboBox::activated, this, &ExportWindow::format3Selected);
@@ -116,10 +121,10 @@ void ExportWindow::nameChanged() {
 void ExportWindow::showValidity() {
     const bool valid = nameIsValid();
     showAsValid(*m_ui->fileField3, valid);
-    // The place of the note is kept, so that nothing jumps while a person types.
     QPalette palette = m_ui->label3c->palette();
-    palette.setColor(QPalette::WindowText, valid ? palette.color(QPalette::Window) : errorColor(palette));
+    palette.setColor(QPalette::WindowText, errorColor(palette));
     m_ui->nameNote3->setPalette(palette);
+    m_ui->nameNote3->setVisible(!valid);
     m_ui->cancelButton3->setEnabled(valid);
 }
 

@@ -82,6 +82,7 @@ void StageSizeFields::write() {
     // A stage may be smaller than what can be typed: the desktop may have the last word.
     showAsValid(m_width, true);
     showAsValid(m_height, true);
+    m_wanted = {}; // What comes now is another change than the one that was asked for.
 }
 
 } // namespace starbloom

@@ -3,12 +3,12 @@
 
 #include "shell/StageSizeFields.h"
 #include "ui_Toolbar.h"
+#include "views/IconButton.h"
 #include "views/SymbolIcon.h"
 #include "views/Texts.h"
 
 #include <QAction>
 #include <QToolBar>
-#include <QToolButton>
 
 namespace starbloom {
 
@@ -30,9 +30,6 @@ constexpr std::array<ButtonRow, toolItemCount> buttonTable{{
      "toolbarShowsettingsToolTip"},
     {ToolItem::Savemovie, "savemovieToolbar", "savemovie", "toolbarSavemovie", "toolbarSavemovieToolTip"},
 }};
-
-/// As high as the views beside them. Points.
-constexpr int buttonSide = 32;
 
 } // namespace
 
@@ -63,13 +60,13 @@ Toolbar::~Toolbar() = default;
 
 void Toolbar::addButton(ToolItem item) {
     const ButtonRow& row = buttonTable[static_cast<std::size_t>(item)];
-    QAction* action = m_bar.addAction(symbolIcon(QString::fromLatin1(row.symbol)), textOf(row.label));
+    auto* action = new QAction(symbolIcon(QString::fromLatin1(row.symbol)), textOf(row.label), &m_bar);
     action->setObjectName(QLatin1String(row.name));
     action->setToolTip(textOf(row.toolTip));
-    auto* button = m_bar.widgetForAction(action);
-    button->setFixedSize(buttonSide, buttonSide);
-    button->setFocusPolicy(Qt::TabFocus);
+    auto* button = new IconButton(action);
+    button->setIconSize(m_bar.iconSize());
     button->setAccessibleDescription(textOf(row.toolTip));
+    m_bar.addWidget(button);
     m_buttons[static_cast<std::size_t>(item)] = action;
 }
 

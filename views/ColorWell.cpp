@@ -54,8 +54,12 @@ void ColorWell::changeEvent(QEvent* event) {
 }
 
 bool ColorWell::eventFilter(QObject* watched, QEvent* event) {
+    // In the dialog's spectrum every hue of black is black: whoever picks one there wants to see it.
+    if (watched != window() && event->type() == QEvent::MouseButtonPress && m_dialog->currentColor().value() == 0) {
+        m_dialog->setCurrentColor(Qt::white);
+    }
     // A window that is minimised is hidden by the system: then the dialog stays.
-    if (event->type() == QEvent::Hide && !event->spontaneous()) {
+    if (watched == window() && event->type() == QEvent::Hide && !event->spontaneous()) {
         closeDialog();
     }
     return FramedButton::eventFilter(watched, event);
@@ -73,6 +77,11 @@ void ColorWell::openDialog() {
         // It is deleted a little later than it closes.
         connect(m_dialog, &QDialog::finished, this, [this] { m_dialog = nullptr; });
         window()->installEventFilter(this);
+        for (auto* part : m_dialog->findChildren<QWidget*>()) {
+            if (QByteArray(part->metaObject()->className()).endsWith("QColorPicker")) {
+                part->installEventFilter(this);
+            }
+        }
     }
     m_dialog->show();
     m_dialog->raise();

@@ -65,7 +65,8 @@ QString ParameterSlider::text(const ParameterRow& row, float position) {
     const double units = static_cast<double>(position) * row.unitsPerPosition + row.unitsAtZero;
     // Adding 0 turns a rounded -0 into 0.
     const double rounded = std::round(units * scale) / scale + 0.0;
-    return textOf(std::string(row.name) + "Unit").arg(QLocale().toString(rounded, 'f', decimals));
+    const QString number = QLocale().toString(rounded, 'f', decimals).replace(u'-', QChar(0x2212)); // A minus sign.
+    return textOf(std::string(row.name) + "Unit").arg(number);
 }
 
 void ParameterSlider::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -43,6 +43,10 @@ QSize PathControl::sizeHint() const {
     return QSize(width, height).expandedTo(QSize(180, controlHeight));
 }
 
+QSize PathControl::minimumSizeHint() const {
+    return {controlHeight, controlHeight};
+}
+
 void PathControl::paintContents(QPainter& painter, const QRectF& inside) {
     const QRect whole = inside.toRect().adjusted(gap, 0, -gap, 0);
     const QRect iconPlace(whole.left(), whole.center().y() - symbolSize / 2 + 1, symbolSize, symbolSize);

@@ -22,6 +22,9 @@ public:
 
     QSize sizeHint() const override;
 
+    /// Where there is no room for the text, the icon and the tool tip tell enough.
+    QSize minimumSizeHint() const override;
+
 protected:
     void paintContents(QPainter& painter, const QRectF& inside) override;
 

@@ -2,6 +2,7 @@
 #include "views/Texts.h"
 
 #include <QCoreApplication>
+#include <QLibraryInfo>
 #include <QTranslator>
 
 #include <string>
@@ -15,9 +16,15 @@ namespace starbloom {
 
 bool loadTexts(const QLocale& locale) {
     linkResources();
+    auto* toolkit = new QTranslator(QCoreApplication::instance());
+    if (toolkit->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"),
+                      QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(toolkit);
+    }
     auto* texts = new QTranslator(QCoreApplication::instance());
-    const bool loaded = texts->load(locale, QStringLiteral("starbloom"), QStringLiteral("_"), QStringLiteral(":/texts")) ||
-                        texts->load(QStringLiteral(":/texts/starbloom_en.qm"));
+    const bool loaded =
+        texts->load(locale, QStringLiteral("starbloom"), QStringLiteral("_"), QStringLiteral(":/texts")) ||
+        texts->load(QStringLiteral(":/texts/starbloom_en.qm"));
     return loaded && QCoreApplication::installTranslator(texts);
 }
 

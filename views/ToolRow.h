@@ -11,8 +11,8 @@ class ToolRow : public QToolBar {
     Q_OBJECT
 
 public:
-    /// The most with which all items fit above a stage of the default size.
-    static constexpr int spacing = 4;
+    /// The most with which all items fit above the smallest stage.
+    static constexpr int spacing = 3;
 
     using QToolBar::QToolBar;
 

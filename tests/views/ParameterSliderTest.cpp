@@ -83,7 +83,7 @@ TEST(ParameterSlider, SaysThePositionInItsUnit) {
     };
     EXPECT_EQ(text(Parameter::RocketHeight, 5.0F), "0 %");
     EXPECT_EQ(text(Parameter::RocketHeight, 4.99F), "0 %"); // And not -0.
-    EXPECT_EQ(text(Parameter::RocketHeight, 0.0F), "-50 %");
+    EXPECT_EQ(text(Parameter::RocketHeight, 0.0F), "\u221250 %");
     EXPECT_EQ(text(Parameter::RocketBirth, 5.0F), "0.5 /s");
     EXPECT_EQ(text(Parameter::RocketAngle, 1.0F), "45°");
     EXPECT_EQ(text(Parameter::RocketVelocity, 400.0F), "400 pt/s");

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/DarkStyle.h"
+
+#include "views/ControlLook.h"
+
+#include <QPainter>
+#include <QStyleOption>
+
+#include <algorithm>
+
+namespace starbloom {
+
+namespace {
+
+/// What guidelines for accessibility ask of the parts of a control.
+constexpr double outlineContrast = 3.0;
+
+/// A group box holds others together and is no control: it may be quieter.
+constexpr double groupContrast = 1.6;
+
+/// Between a group's title and its frame. Points.
+constexpr int titleGap = 3;
+
+} // namespace
+
+DarkStyle::DarkStyle()
+    : QProxyStyle(QStringLiteral("Fusion")) {}
+
+void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                              const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool isField = element == PE_IndicatorCheckBox || element == PE_IndicatorMenuCheckMark ||
+                         element == PE_FrameLineEdit || element == PE_PanelLineEdit;
+    if (!isField && element != PE_FrameGroupBox) {
+        return;
+    }
+    if (element == PE_PanelLineEdit) {
+        const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+        if (frame == nullptr || frame->lineWidth <= 0) {
+            return; // Inside another control, which has an outline.
+        }
+    }
+    const bool focused = (option->state & State_HasFocus) != 0 && element != PE_IndicatorCheckBox;
+    const QColor plain = windowColor(option->palette, option->palette.color(QPalette::Window),
+                                     isField ? outlineContrast : groupContrast);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(QPen(focused ? option->palette.color(QPalette::Highlight) : plain, 1.0));
+    painter->setBrush(Qt::NoBrush);
+    if ((option->state & State_Enabled) == 0) {
+        painter->setOpacity(disabledOpacity);
+    }
+    QRectF outline = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    if (element == PE_FrameGroupBox) {
+        // The style's own frame begins below the title.
+        outline.setTop(outline.top() +
+                       std::max(pixelMetric(PM_IndicatorHeight, option, widget), option->fontMetrics.height()) +
+                       titleGap);
+    }
+    painter->drawRoundedRect(outline, 2.0, 2.0);
+    painter->restore();
+}
+
+} // namespace starbloom

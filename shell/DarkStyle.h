@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QProxyStyle>
+
+namespace starbloom {
+
+/// The style for our own dark palette: Fusion, which draws outlines darker than what they lie on, so that in the dark
+/// boxes and fields lose them, with outlines that can be seen. GUI thread.
+class DarkStyle : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    DarkStyle();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+};
+
+} // namespace starbloom

@@ -6,9 +6,14 @@
 
 #include <QMessageBox>
 
-#include <utility>
-
 namespace starbloom {
+
+namespace {
+
+/// Long enough not to answer each move of a slider, short enough not to leave a later failure untold.
+constexpr std::chrono::minutes tellingPause{1};
+
+} // namespace
 
 bool Application::notify(QObject* receiver, QEvent* event) {
     try {
@@ -21,9 +26,10 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 
 void Application::tell(const std::runtime_error& failure) {
     log(LogLevel::Warning, "persistence", failure.what());
-    if (std::exchange(m_told, true)) {
+    if (!m_tellAgain.hasExpired()) {
         return;
     }
+    m_tellAgain.setRemainingTime(tellingPause);
     auto* box = new QMessageBox(QMessageBox::Warning, qtTrId("storeFailureTitle"), qtTrId("storeFailureText"),
                                 QMessageBox::Ok, activeWindow());
     box->setObjectName(QStringLiteral("storeFailure"));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QDeadlineTimer>
 
 #include <stdexcept>
 
@@ -9,8 +10,8 @@ namespace starbloom {
 
 /// The application object: QApplication, and the one place that catches a store that fails under the program.
 ///
-/// Such a failure ends the operation that met it, whatever that was. It is logged each time and shown to the user once,
-/// since the next slider would most likely meet it again.
+/// Such a failure ends the operation that met it, whatever that was. It is logged each time and shown to the user once
+/// a minute at most, since the next slider would most likely meet it again.
 class Application final : public QApplication {
     Q_OBJECT
 
@@ -22,7 +23,7 @@ public:
 private:
     void tell(const std::runtime_error& failure);
 
-    bool m_told = false;
+    QDeadlineTimer m_tellAgain{0};
 };
 
 } // namespace starbloom

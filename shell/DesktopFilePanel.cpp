@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/DesktopFilePanel.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMessageBox>
 
 #include <utility>
 
@@ -17,8 +22,32 @@ QString windowTitleOf(const FilePanelRequest& request) {
     return parts.join(QStringLiteral(" – "));
 }
 
+/// Sees to it that a new file has its extension before it is asked whether a file of that name may be replaced: the
+/// dialog itself adds one only to names without any dot.
+class SuffixedDialog : public QFileDialog {
+public:
+    SuffixedDialog(QWidget* parent, const FilePanelRequest& request)
+        : QFileDialog(parent, windowTitleOf(request))
+        , m_ending(request.extension.empty() ? QString() : u'.' + QString::fromStdString(request.extension)) {}
+
+    void accept() override {
+        const QStringList chosen = selectedFiles();
+        if (!m_ending.isEmpty() && !chosen.isEmpty() && !chosen.last().endsWith(m_ending, Qt::CaseInsensitive) &&
+            !QFileInfo(chosen.last()).isDir()) {
+            // selectFile() does not write into the field while the user is in it.
+            if (auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))) {
+                field->setText(field->text() + m_ending);
+            }
+        }
+        QFileDialog::accept();
+    }
+
+private:
+    QString m_ending;
+};
+
 QFileDialog* makeDialog(const FilePanelRequest& request, QWidget* parent) {
-    auto* dialog = new QFileDialog(parent, windowTitleOf(request));
+    auto* dialog = new SuffixedDialog(parent, request);
     dialog->setObjectName(QStringLiteral("filePanel"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     const bool folder = request.kind == FilePanelRequest::Kind::Folder;
@@ -58,7 +87,23 @@ void DesktopFilePanel::ask(const FilePanelRequest& request,
     QObject::connect(&m_alive, &QObject::destroyed, dialog, [dialog] { delete dialog; });
     QObject::connect(dialog, &QDialog::finished, &m_alive,
                      [dialog, answer = std::move(answer)](int result) { answer(choiceIn(*dialog, result)); });
-    dialog->open();
+    // To the whole application: what was begun with the panel goes on when it closes, and nothing else meanwhile.
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->show();
+}
+
+QWidget* DesktopFilePanel::usualParent() {
+    QWidget* modal = QApplication::activeModalWidget();
+    // A message box that has led to the panel is about to go, and would take the panel with it.
+    if (modal != nullptr && qobject_cast<QMessageBox*>(modal) == nullptr) {
+        return modal;
+    }
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && qobject_cast<QMainWindow*>(window) != nullptr) {
+            return window;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace starbloom

@@ -3,7 +3,6 @@
 
 #include "persistence/files/FilePanel.h"
 
-#include <QApplication>
 #include <QObject>
 
 #include <functional>
@@ -12,7 +11,7 @@ class QWidget;
 
 namespace starbloom {
 
-/// The desktop's panel for files and folders. It is modal to one window and does not hold up the caller.
+/// The desktop's panel for files and folders. It is modal to the application and does not hold up the caller.
 ///
 /// Open panels close, without an answer, when this object is destroyed or the window that they belong to. Lives on the
 /// GUI thread.
@@ -21,7 +20,10 @@ public:
     /// Tells, each time a panel opens, the window that it belongs to; null leaves it to stand alone.
     using Parent = std::function<QWidget*()>;
 
-    explicit DesktopFilePanel(Parent parent = QApplication::activeWindow);
+    /// Unless told otherwise, panels belong to the modal window that is open, or else to the main window.
+    explicit DesktopFilePanel(Parent parent = usualParent);
+
+    static QWidget* usualParent();
 
     void ask(const FilePanelRequest& request,
              std::function<void(std::optional<std::filesystem::path> choice)> answer) override;

@@ -80,12 +80,18 @@ void Exports::connectMovies() {
     const MainWindow& window = m_show.window;
     for (const QAction* action :
          {&window.menus().action(Command::FileExport2), &window.toolbar().button(ToolItem::Savemovie)}) {
-        QObject::connect(action, &QAction::triggered, &m_movieWindow, &MovieWindow::openMovieSettings);
+        QObject::connect(action, &QAction::triggered, &m_movieWindow, [this] {
+            if (!m_movieCommand.isBusy()) {
+                m_movieWindow.openMovieSettings();
+            }
+        });
     }
     ResultLine& line = window.resultLine();
-    QObject::connect(&m_movieCommand, &MovieCommand::failed, &line, &ResultLine::showError);
-    QObject::connect(&m_movieCommand, &MovieCommand::saved, &line,
-                     [this](const WrittenMovie& movie, std::int64_t missed) { tellSaved(movie, missed); });
+    QObject::connect(&m_movieCommand, &MovieCommand::failed, &line,
+                     [&line](const QString& why) { line.showError(qtTrId("movieFailedResult").arg(why)); });
+    QObject::connect(
+        &m_movieCommand, &MovieCommand::saved, &line,
+        [this](const WrittenMovie& movie, std::int64_t missed, bool ranOut) { tellSaved(movie, missed, ranOut); });
     QObject::connect(&m_movieRescue, &MovieRescue::failed, &line, &ResultLine::showError);
     QObject::connect(&m_movieRescue, &MovieRescue::rescued, &line, [this](const RecoveredMovie& movie) {
         tellMovie(qtTrId("movieRescuedResult")
@@ -94,14 +100,18 @@ void Exports::connectMovies() {
     });
 }
 
-void Exports::tellSaved(const WrittenMovie& movie, std::int64_t missed) {
+void Exports::tellSaved(const WrittenMovie& movie, std::int64_t missed, bool ranOutOfMemory) {
     // All at once: a name may look like a placeholder.
     const QString name = shownName(movie.path);
     const QString seconds = secondsText(movie.seconds);
     const QString frames = QString::number(movie.frames);
-    tellMovie(missed > 0 ? qtTrId("movieSavedWithMissesResult").arg(name, seconds, frames, QString::number(missed))
-                         : qtTrId("movieSavedResult").arg(name, seconds, frames),
-              movie.path);
+    QString message = qtTrId("movieSavedResult").arg(name, seconds, frames);
+    if (ranOutOfMemory) {
+        message = qtTrId("movieSavedShortResult").arg(name, seconds, frames);
+    } else if (missed > 0) {
+        message = qtTrId("movieSavedWithMissesResult").arg(name, seconds, frames, QString::number(missed));
+    }
+    tellMovie(message, movie.path);
 }
 
 void Exports::tellMovie(const QString& message, const std::filesystem::path& file) {
@@ -134,17 +144,15 @@ void Exports::savePicture() {
 }
 
 ShowNote Exports::showNote(const StageView::Capture& capture) const {
-    ShowNote note{.program = QApplication::applicationName().toLower().toStdString(),
-                  .version = QApplication::applicationVersion().toStdString(),
-                  .seed = m_surroundings.seed,
-                  .moment = capture.moment,
-                  .stage = m_show.stage.size(),
-                  .launchPoint = m_show.controller.mortor().emitterPosition,
-                  .background = m_show.controller.rootLayer().backgroundColor,
-                  .steady = capture.steady};
-    for (const ParameterRow& row : parameterTable) {
-        note.positions[static_cast<std::size_t>(row.parameter)] = m_show.panel.position(row.parameter);
-    }
+    const ShowNote note{.program = QApplication::applicationName().toLower().toStdString(),
+                        .version = QApplication::applicationVersion().toStdString(),
+                        .positions = m_show.controller.appliedPositions(),
+                        .seed = m_surroundings.seed,
+                        .moment = capture.moment,
+                        .stage = m_show.stage.size(),
+                        .launchPoint = m_show.controller.mortor().emitterPosition,
+                        .background = m_show.controller.rootLayer().backgroundColor,
+                        .steady = capture.steady};
     return note;
 }
 

@@ -60,7 +60,7 @@ private:
     void connectMovies();
     ShowNote showNote(const StageView::Capture& capture) const;
     std::optional<std::filesystem::path> movieFolder() const;
-    void tellSaved(const WrittenMovie& movie, std::int64_t missed);
+    void tellSaved(const WrittenMovie& movie, std::int64_t missed, bool ranOutOfMemory);
     void tellMovie(const QString& message, const std::filesystem::path& file);
     ResultLine::LinkTo linkToFolder(const std::filesystem::path& file) const;
 

@@ -27,6 +27,7 @@ Menus::Menus(QMenuBar& bar, QWidget& window)
         action->setShortcut(row.shortcut);
         action->setShortcutContext(Qt::ApplicationShortcut);
         action->setCheckable(row.checkable);
+        action->setAutoRepeat(false); // A finger that stays on a key wants one picture.
         window.addAction(action);
         QMenu& menu = *m_menus[static_cast<std::size_t>(row.menu)];
         if (row.opensGroup) {

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/MovieCommand.h"
 
+#include "base/PendingFile.h"
 #include "engine/panel/FireworksController.h"
 #include "export/movie/MemoryCheck.h"
 #include "shell/MovieWindow.h"
 #include "views/StageView.h"
 
+#include <QEvent>
 #include <QMessageBox>
 
 #include <condition_variable>
@@ -44,8 +46,10 @@ MovieCommand::MovieCommand(Tools tools, StageView& stage, FireworksController& c
     m_fadeTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_captureTimer, &QTimer::timeout, this, &MovieCommand::tick);
     connect(&m_fadeTimer, &QTimer::timeout, this, &MovieCommand::tick);
-    connect(&m_settings, &MovieWindow::createClicked, this, &MovieCommand::exportMovie1);
+    connect(&m_settings, &MovieWindow::opening, this, [this] { m_sample = m_stage.capture().image; });
+    connect(&m_settings, &MovieWindow::createClicked, this, qOverload<>(&MovieCommand::exportMovie1));
     connect(&m_sheet, &MovieProgress::abortClicked, this, &MovieCommand::abort5Clicked);
+    mainWindow.installEventFilter(this);
 }
 
 MovieCommand::~MovieCommand() {
@@ -53,9 +57,8 @@ MovieCommand::~MovieCommand() {
 }
 
 void MovieCommand::exportMovie1() {
-    const auto sample = m_stage.capture();
-    const auto verdict = checkMemory(m_settings.settings(), sample.image.width(), sample.image.height(), sample.image,
-                                     availableMemory());
+    m_chosen = m_settings.settings();
+    const auto verdict = checkMemory(m_chosen, m_stage.width(), m_stage.height(), m_sample, availableMemory());
     if (!verdict.fits()) {
         auto* box =
             new QMessageBox(QMessageBox::Warning, qtTrId("movieTooLargeTitle"),
@@ -67,7 +70,12 @@ void MovieCommand::exportMovie1() {
         return;
     }
     m_frameLimit = verdict.frameLimit;
+    m_busy = true;
     m_settings.handOver();
+    askForFile();
+}
+
+void MovieCommand::askForFile() {
     m_tools.filePanel.ask({.kind = FilePanelRequest::Kind::NewFile,
                            .message = qtTrId("saveMovieMessage").toStdString(),
                            .title = qtTrId("Saving a movie file...").toStdString(),
@@ -76,26 +84,44 @@ void MovieCommand::exportMovie1() {
                            .suggestedName = qtTrId("movieSuggestedName").toStdString(),
                            .extension = "m4v"},
                           [this](const std::optional<std::filesystem::path>& choice) {
-                              if (!choice) {
-                                  m_settings.giveBack();
-                                  return;
+                              if (choice) {
+                                  exportMovie1(*choice);
+                              } else {
+                                  closeProgress();
                               }
-                              m_target = choice;
-                              m_sheet.openSheet();
-                              m_pendingStart = PendingCall(m_tools.calls, startDelay, [this] { exportMovie2(); });
                           });
 }
 
+void MovieCommand::exportMovie1(const std::filesystem::path& target) {
+    // Better told now than when half a minute has been recorded.
+    if (const auto trial = PendingFile::create(target); !trial) {
+        closeProgress();
+        emit failed(QString::fromStdString(trial.error().message));
+        return;
+    }
+    m_target = target;
+    m_sheet.openSheet();
+    m_pendingStart = PendingCall(m_tools.calls, startDelay, [this] { exportMovie2(); });
+}
+
 void MovieCommand::exportMovie2() {
-    const MovieSettings settings = m_settings.settings();
     m_inhibitor.inhibit(qtTrId("movieInhibitReason"));
     m_stage.beginRecording();
-    m_recorder.begin(settings, m_settings.birthRate(), m_tools.clock(), std::make_unique<FrameStore>(m_frameLimit));
+    m_recorder.begin(m_chosen, m_settings.birthRate(), m_tools.clock(), std::make_unique<FrameStore>(m_frameLimit));
     // Twice as often as frames are due: a tick that comes late by a little still finds its frame within the period.
-    m_captureTimer.start(500 / settings.framesPerSecond());
-    if (settings.fadeIn) {
+    m_captureTimer.start(500 / m_chosen.framesPerSecond());
+    if (m_chosen.fadeIn) {
         m_fadeTimer.start(fadePeriod);
     }
+}
+
+bool MovieCommand::eventFilter(QObject* watched, QEvent* event) {
+    // Desktops that show the menus elsewhere can still ask for it.
+    if (event->type() == QEvent::Close && m_busy) {
+        event->ignore();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void MovieCommand::tick() {
@@ -127,9 +153,9 @@ void MovieCommand::writeMovie(std::unique_ptr<FrameStore> frames) {
     m_stage.endRecording();
     const auto here = [this](auto call) { QMetaObject::invokeMethod(this, std::move(call), Qt::QueuedConnection); };
     m_writing = m_tools.encoders.writeMovie(
-        {.target = *m_target,
+        {.target = m_target,
          .journal = m_tools.journal,
-         .framesPerSecond = m_settings.settings().framesPerSecond(),
+         .framesPerSecond = m_chosen.framesPerSecond(),
          .frames = std::move(frames)},
         [this, here](std::int64_t written, std::int64_t total) {
             here([this, written, total] { m_recorder.writingProgress(written, total, m_tools.clock()); });
@@ -140,16 +166,13 @@ void MovieCommand::writeMovie(std::unique_ptr<FrameStore> frames) {
 }
 
 void MovieCommand::writingFinished(const Result<std::optional<WrittenMovie>>& result) {
-    if (m_writing == nullptr) {
-        return; // Given up, and already forgotten.
-    }
     m_writing->wait();
     m_writing.reset();
     m_recorder.writingEnded();
     if (!result) {
         emit failed(QString::fromStdString(result.error().message));
     } else if (result.value()) {
-        emit saved(*result.value(), m_recorder.missed());
+        emit saved(*result.value(), m_recorder.missed(), m_recorder.ranOutOfMemory());
     }
 }
 
@@ -163,10 +186,10 @@ void MovieCommand::recordingEnded(RecordingEnd end) {
 void MovieCommand::abort5Clicked() {
     m_pendingStart.cancel();
     if (m_writing != nullptr) {
+        // It ends within a frame, but may be waiting for the disk. Its last word may be that the movie is there.
+        m_sheet.showAborting();
         m_writing->abort();
-        m_writing.reset(); // Waits: the last frame may still be on its way.
-    }
-    if (m_recorder.phase() != RecordingPhase::Idle) {
+    } else if (m_recorder.phase() != RecordingPhase::Idle) {
         m_recorder.abort();
     } else {
         closeProgress(); // Not even begun.
@@ -176,6 +199,7 @@ void MovieCommand::abort5Clicked() {
 void MovieCommand::finishNow() {
     m_pendingStart.cancel();
     m_recorder.finish();
+    m_busy = false;
     if (m_writing == nullptr) {
         return;
     }
@@ -196,7 +220,7 @@ void MovieCommand::closeProgress() {
     m_fadeTimer.stop();
     m_stage.endRecording();
     m_inhibitor.release();
-    m_target.reset();
+    m_busy = false;
     m_sheet.closeSheet();
     m_settings.giveBack();
 }

@@ -55,16 +55,23 @@ public:
     /// The program has to end soon: makes a movie of what there is, and waits for it.
     void finishNow();
 
-    bool isBusy() const { return m_recorder.phase() != RecordingPhase::Idle || m_target.has_value(); }
+    /// From the panel for the file on until the window is as it was.
+    bool isBusy() const { return m_busy; }
 
 signals:
-    /// A movie has been written; so many frames were missed.
-    void saved(const WrittenMovie& movie, std::int64_t missed);
+    /// A movie has been written. So many frames were missed; it may have ended early for want of memory.
+    void saved(const WrittenMovie& movie, std::int64_t missed, bool ranOutOfMemory);
 
     /// It could not be; the sentence tells why.
     void failed(const QString& why);
 
+protected:
+    /// Keeps the main window open while a movie is being made.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    void askForFile();
+    void exportMovie1(const std::filesystem::path& target);
     void exportMovie2();
     void tick();
     void writingFinished(const Result<std::optional<WrittenMovie>>& result);
@@ -85,8 +92,11 @@ private:
     SessionInhibitor m_inhibitor;
     QTimer m_captureTimer;
     QTimer m_fadeTimer;
-    std::uint64_t m_frameLimit = 0;                ///< Bytes that frames may take.
-    std::optional<std::filesystem::path> m_target; ///< While a movie is being made.
+    bool m_busy = false;
+    MovieSettings m_chosen;         ///< Of the movie that is being made, as are the next three.
+    ImageBuffer m_sample;           ///< The stage before it, at its full launch rate.
+    std::uint64_t m_frameLimit = 0; ///< Bytes that frames may take.
+    std::filesystem::path m_target;
     std::unique_ptr<MovieWriting> m_writing;
     PendingCall m_pendingStart;
 };

@@ -29,7 +29,7 @@ MovieProgress::MovieProgress(QWidget& mainWindow)
     m_ui->setupUi(this);
     setControlTitles(*this);
     setWindowTitle(qtTrId("movieProgressTitle"));
-    setWindowModality(Qt::WindowModal);
+    setWindowModality(Qt::ApplicationModal);
     connect(m_ui->abortButton5, &QPushButton::clicked, this, &MovieProgress::abortClicked);
 }
 
@@ -40,8 +40,13 @@ void MovieProgress::openSheet() {
     start.phase = RecordingPhase::Recording;
     start.percentText = "0.0%";
     showProgress(start);
+    m_ui->abortButton5->setEnabled(true);
     placeBelowTop(*this, m_mainWindow);
     show();
+}
+
+void MovieProgress::showAborting() {
+    m_ui->abortButton5->setEnabled(false);
 }
 
 void MovieProgress::closeSheet() {

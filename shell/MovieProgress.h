@@ -26,6 +26,9 @@ public:
     void openSheet();
     void closeSheet();
 
+    /// The user has given up, and it takes a moment: the button rests.
+    void showAborting();
+
     void showProgress(const RecordingProgress& progress);
 
     void reject() override {}

@@ -72,6 +72,7 @@ void MovieWindow::openMovieSettings() {
     if (m_open) {
         return;
     }
+    emit opening();
     m_show.controller.setControls(false);
     m_show.panel.setPresetsEnabled(false);
     m_birthRate = static_cast<double>(m_show.panel.position(Parameter::RocketBirth));

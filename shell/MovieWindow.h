@@ -66,6 +66,9 @@ public:
     void reject() override;
 
 signals:
+    /// It is about to be shown; the show still has its own launch rate.
+    void opening();
+
     /// The user wants the movie. The window stays open until handOver().
     void createClicked();
 

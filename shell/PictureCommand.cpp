@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/PictureCommand.h"
 
+#include "base/Log.h"
+
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -23,6 +25,9 @@ void PictureCommand::savePicture(PictureRequest request) {
     auto shared = std::make_shared<PictureRequest>(std::move(request));
     m_worker.start([this, shared] {
         auto result = m_encoders.exportPicture(*shared);
+        if (!result) {
+            log(LogLevel::Warning, "export", result.error().message); // The window may be gone before it can tell.
+        }
         QMetaObject::invokeMethod(
             this, [this, shared, result] { finished(shared, result); }, Qt::QueuedConnection);
     });
@@ -46,7 +51,9 @@ void PictureCommand::offerAnotherFolder(const Shared& request, const QString& wh
     box->addButton(qtTrId("pictureDiscard"), QMessageBox::RejectRole);
     connect(box, &QMessageBox::buttonClicked, this, [this, another, request, why](QAbstractButton* clicked) {
         if (clicked == another) {
-            askForFolder(request, why);
+            // When the box has gone: a panel must not belong to it.
+            QMetaObject::invokeMethod(
+                this, [this, request, why] { askForFolder(request, why); }, Qt::QueuedConnection);
         } else {
             emit failed(why);
         }

@@ -5,12 +5,10 @@
 #include "persistence/files/FilePanel.h"
 
 #include <QObject>
-#include <QPointer>
 #include <QThreadPool>
 
 #include <memory>
 
-class QMessageBox;
 class QWidget;
 
 namespace starbloom {

@@ -32,24 +32,31 @@ void SessionInhibitor::inhibit(const QString& reason) {
         return;
     }
     m_wanted = true;
+    const int wish = ++m_current;
     auto call =
         QDBusMessage::createMethodCall(portal, QStringLiteral("/org/freedesktop/portal/desktop"),
                                        QStringLiteral("org.freedesktop.portal.Inhibit"), QStringLiteral("Inhibit"));
     call << QString() << (logout | suspend | idle) << QVariantMap{{QStringLiteral("reason"), reason}};
     auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, reason] {
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, reason, wish] {
         const QDBusPendingReply<QDBusObjectPath> reply = *answer;
         answer->deleteLater();
+        const bool stillWanted = m_wanted && wish == m_current;
         if (reply.isError()) {
-            askLogin(reason);
-            return;
-        }
-        m_request = reply.value();
-        if (!m_wanted) {
-            m_wanted = true; // It came too late to be wanted, but has to be closed.
-            release();
+            if (stillWanted) {
+                askLogin(reason);
+            }
+        } else if (stillWanted) {
+            m_request = reply.value();
+        } else {
+            close(reply.value());
         }
     });
+}
+
+void SessionInhibitor::close(const QDBusObjectPath& request) {
+    QDBusConnection::sessionBus().asyncCall(QDBusMessage::createMethodCall(
+        portal, request.path(), QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Close")));
 }
 
 void SessionInhibitor::askLogin(const QString& reason) {
@@ -59,10 +66,10 @@ void SessionInhibitor::askLogin(const QString& reason) {
     call << QStringLiteral("sleep:shutdown:idle") << QCoreApplication::applicationName() << reason
          << QStringLiteral("block");
     auto* answer = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, wish = m_current] {
         const QDBusPendingReply<QDBusUnixFileDescriptor> reply = *answer;
         answer->deleteLater();
-        if (!reply.isError() && m_wanted) {
+        if (!reply.isError() && m_wanted && wish == m_current) {
             m_lock = reply.value();
         }
     });
@@ -75,8 +82,7 @@ void SessionInhibitor::release() {
     m_wanted = false;
     m_lock = QDBusUnixFileDescriptor();
     if (!m_request.path().isEmpty()) {
-        QDBusConnection::sessionBus().asyncCall(QDBusMessage::createMethodCall(
-            portal, m_request.path(), QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Close")));
+        close(m_request);
         m_request = QDBusObjectPath();
     }
 }

@@ -28,8 +28,10 @@ public:
 
 private:
     void askLogin(const QString& reason);
+    static void close(const QDBusObjectPath& request);
 
     bool m_wanted = false;
+    int m_current = 0;              ///< Which of all wishes is the present one; answers to others come too late.
     QDBusObjectPath m_request;      ///< The portal's, to be closed.
     QDBusUnixFileDescriptor m_lock; ///< The system's, held as long as it is open.
 };

@@ -33,6 +33,9 @@ void FireworksController::slidersMoved() {
         write(each);
     }
     m_mortor->speed = layerSpeed(m_panel->position(Parameter::AnimateSpeed));
+    for (const auto& each : parameterTable) {
+        m_applied[static_cast<std::size_t>(each.parameter)] = m_panel->position(each.parameter);
+    }
     notifyStage();
 }
 
@@ -56,7 +59,9 @@ void FireworksController::setAnimation(bool on) {
     if (!on) {
         m_mortor->speed = 0.0F;
     } else if (m_panel != nullptr) {
-        m_mortor->speed = layerSpeed(m_panel->position(Parameter::AnimateSpeed));
+        const float speed = m_panel->position(Parameter::AnimateSpeed);
+        m_mortor->speed = layerSpeed(speed);
+        m_applied[static_cast<std::size_t>(Parameter::AnimateSpeed)] = speed;
     }
     notifyStage();
 }

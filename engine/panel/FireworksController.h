@@ -6,6 +6,7 @@
 #include "engine/panel/ParameterPanel.h"
 #include "engine/panel/Stage.h"
 
+#include <array>
 #include <memory>
 
 namespace starbloom {
@@ -42,6 +43,9 @@ public:
 
     bool off() const { return m_off; }
 
+    /// The positions that the emitter has got last; sliders may have been moved since, while the animation was off.
+    const std::array<float, parameterCount>& appliedPositions() const { return m_applied; }
+
     ParameterPanel* panel() const { return m_panel; }
 
     const RootLayer& rootLayer() const { return *m_rootLayer; }
@@ -57,6 +61,7 @@ private:
     Stage* m_stage;
     std::shared_ptr<RootLayer> m_rootLayer;
     std::shared_ptr<EmitterLayer> m_mortor;
+    std::array<float, parameterCount> m_applied{};
     bool m_off = false;
 };
 

@@ -17,9 +17,9 @@ struct FilePanelRequest {
     };
 
     Kind kind = Kind::Folder;
-    std::string message;                              ///< What the choice is for, in the user's language, UTF-8.
-    std::string title;                                ///< The panel's title, in the user's language, UTF-8.
-    std::optional<std::filesystem::path> startFolder; ///< Nothing leaves the choice to the panel.
+    std::string message = {};                              ///< What the choice is for, in the user's language, UTF-8.
+    std::string title = {};                                ///< The panel's title, in the user's language, UTF-8.
+    std::optional<std::filesystem::path> startFolder = {}; ///< Nothing leaves the choice to the panel.
     bool canCreateFolders = false;
     std::string suggestedName = {}; ///< Of a new file, UTF-8.
     std::string extension = {};     ///< Of a new file, without the dot; the only one that is allowed.

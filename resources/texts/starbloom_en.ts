@@ -97,7 +97,7 @@ Double-click to put it back to %2.</translation></message>
 <message id="toolbarOff"><translation>Stop the animation: every spark stays where it is</translation></message>
 <message id="toolbarFolder"><translation>Folder for exports</translation></message>
 <message id="exportSelectExportfolderTitle"><translation>Export Folder</translation></message>
-<message id="exportSelectExportfolderMessage"><translation>Choose the folder for pictures and movies</translation></message>
+<message id="exportSelectExportfolderMessage"><translation>Choose the folder for pictures</translation></message>
 <message id="settingsSavedResult"><translation>Settings saved</translation></message>
 <message id="settingsLoadedResult"><translation>Saved settings loaded</translation></message>
 <message id="storeFailureTitle"><translation>Settings cannot be saved</translation></message>
@@ -207,6 +207,8 @@ Double-click to put it back to %2.</translation></message>
 <message id="movieNoFrames"><translation>The movie was not saved: not one frame could be recorded.</translation></message>
 <message id="movieSavedResult"><translation>Saved %1 (%2 s, %3 frames)</translation></message>
 <message id="movieSavedWithMissesResult"><translation>Saved %1 (%2 s, %3 frames, %4 missed)</translation></message>
+<message id="movieSavedShortResult"><translation>Saved %1 (%2 s, %3 frames): memory ran out before the end</translation></message>
+<message id="movieFailedResult"><translation>Movie not saved: %1</translation></message>
 <message id="moviePlay"><translation>Play</translation></message>
 <message id="movieRescuedResult"><translation>Recovered %1 (%2 s, %3 frames)</translation></message>
 <message id="movieRescueTitle"><translation>Unfinished movie</translation></message>

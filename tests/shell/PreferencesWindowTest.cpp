@@ -229,7 +229,7 @@ TEST(DesktopFilePanel, AnswersOnceWithTheChoiceOrNothingAndNeverAfterItsEnd) {
     };
     auto dialog = ask();
     ASSERT_TRUE(dialog != nullptr && dialog->isVisible());
-    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(dialog->windowModality(), Qt::ApplicationModal);
     EXPECT_EQ(dialog->windowTitle(), QStringLiteral("T – M"));
     EXPECT_TRUE(dialog->testOption(QFileDialog::ReadOnly));
     EXPECT_TRUE(answers.empty());
@@ -241,6 +241,28 @@ TEST(DesktopFilePanel, AnswersOnceWithTheChoiceOrNothingAndNeverAfterItsEnd) {
     panel.reset();
     EXPECT_TRUE(dialog.isNull());
     EXPECT_EQ(answers, (std::vector<std::optional<std::filesystem::path>>{folder.path(), std::nullopt}));
+}
+
+TEST(DesktopFilePanel, BelongsToTheMainWindowAndGivesANewFileItsExtension) {
+    const TemporaryFolder folder;
+    QMainWindow window;
+    window.show();
+    DesktopFilePanel panel;
+    std::optional<std::filesystem::path> answer;
+    panel.ask({.kind = FilePanelRequest::Kind::NewFile,
+               .startFolder = folder.path(),
+               .suggestedName = "Untitled",
+               .extension = "m4v"},
+              [&](const auto& choice) { answer = choice; });
+    auto* dialog = window.findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    name->setFocus();
+    EXPECT_EQ(name->text(), QStringLiteral("Untitled.m4v"));
+    name->setText(QStringLiteral("Show 31.12"));
+    QMetaObject::invokeMethod(dialog, "accept");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
+    EXPECT_EQ(answer, folder / "Show 31.12.m4v");
 }
 
 } // namespace

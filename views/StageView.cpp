@@ -214,9 +214,10 @@ Color StageView::background() const {
 }
 
 void StageView::renderInto(ImageBuffer& image, const std::optional<Simulation>& simulation, double time) {
-    m_captureRenderer.render(simulation ? simulation->sparks() : std::span<const SparkBatch>{},
-                             {.time = time, .pixelsPerPoint = 1.0, .background = background()},
-                             RasterTarget::of(image));
+    // The screen's renderer has its sprites already, if they are of the right size.
+    RasterRenderer& renderer = m_pixelsPerPoint == 1.0 ? m_renderer : m_captureRenderer;
+    renderer.render(simulation ? simulation->sparks() : std::span<const SparkBatch>{},
+                    {.time = time, .pixelsPerPoint = 1.0, .background = background()}, RasterTarget::of(image));
 }
 
 StageView::Capture StageView::capture() {

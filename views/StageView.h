@@ -135,7 +135,7 @@ private:
     };
 
     std::optional<Recording> m_recording;
-    RasterRenderer m_captureRenderer; ///< Apart, for it keeps sprites of another scale.
+    RasterRenderer m_captureRenderer; ///< For screens of another scale, apart, as it keeps its sprites.
 
     FrameSchedule m_schedule;
     QTimer m_timer; ///< Runs towards the next frame; stopped while there is none to come.

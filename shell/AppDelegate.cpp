@@ -7,6 +7,7 @@
 #include "shell/StageSizeFields.h"
 #include "views/ResultLine.h"
 #include "views/SegmentedControl.h"
+#include "views/SymbolIcon.h"
 
 #include <QAction>
 #include <QApplication>
@@ -99,6 +100,10 @@ void AppDelegate::followWindowOnceOnScreen() {
         m_stage.restart(); // What is told of a picture holds from moment 0 on.
         m_windowPlace.follow();
         m_exports.offerRescue();
+        // After the first frame: drawing the icon in every size that desktops ask for takes longer than showing the
+        // window.
+        QMetaObject::invokeMethod(
+            &m_window, [] { QApplication::setWindowIcon(symbolIcon(u"starbloom")); }, Qt::QueuedConnection);
     });
 }
 

@@ -9,7 +9,6 @@
 #include "shell/QtDelayedCalls.h"
 #include "shell/ShowSeed.h"
 #include "shell/TerminationSignals.h"
-#include "views/SymbolIcon.h"
 #include "views/Texts.h"
 
 #include <QCommandLineParser>
@@ -115,7 +114,6 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(usualHandler);
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("starbloom"));
-    QApplication::setWindowIcon(starbloom::symbolIcon(u"starbloom"));
     readArguments(application);
 
     starbloom::sendLogToCategories();

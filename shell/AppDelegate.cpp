@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
 
-#include "export/picture/PngCodec.h"
-#include "resources/Resources.h"
 #include "shell/PreferencesWindow.h"
+#include "shell/Spark.h"
 #include "shell/StageSizeFields.h"
 #include "views/ResultLine.h"
 #include "views/SegmentedControl.h"
@@ -21,7 +20,7 @@ AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     , m_folder(std::move(folder))
     , m_stores(m_folder)
     , m_stage(surroundings.seed, surroundings.clock)
-    , m_controller(&m_panel, &m_stage, sharedSparkImage(sparkPng()))
+    , m_controller(&m_panel, &m_stage, spark())
     , m_presetStore(m_stores)
     , m_presets(m_panel, m_presetStore, surroundings.calls,
                 {[this] { m_controller.slidersMoved(); }, [this](bool enabled) { m_panel.setSaveEnabled(enabled); },

@@ -2,6 +2,7 @@
 #include "shell/ColorScheme.h"
 
 #include "shell/DarkStyle.h"
+#include "shell/ProgramStyle.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -11,7 +12,6 @@
 #include <QDBusVariant>
 #include <QPalette>
 #include <QStyle>
-#include <QStyleFactory>
 
 namespace starbloom {
 
@@ -57,6 +57,7 @@ QPalette darkPalette() {
 
 ColorScheme::ColorScheme()
     : m_usualStyle(QApplication::style()->name()) {
+    QApplication::setStyle(new ProgramStyle(m_usualStyle));
     const QByteArray forced = qgetenv("STARBLOOM_COLOR_SCHEME");
     if (forced == "light" || forced == "dark") {
         setDark(forced == "dark");
@@ -110,7 +111,7 @@ void ColorScheme::setDark(bool dark) {
         QApplication::setStyle(
             new DarkStyle); // Not every style paints with the palette that it is given; this one does.
     } else {
-        QApplication::setStyle(QStyleFactory::create(m_usualStyle));
+        QApplication::setStyle(new ProgramStyle(m_usualStyle));
     }
     QApplication::setPalette(dark ? darkPalette() : QPalette());
 }

@@ -24,11 +24,11 @@ constexpr int titleGap = 3;
 } // namespace
 
 DarkStyle::DarkStyle()
-    : QProxyStyle(QStringLiteral("Fusion")) {}
+    : ProgramStyle(QStringLiteral("Fusion")) {}
 
 void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                               const QWidget* widget) const {
-    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    ProgramStyle::drawPrimitive(element, option, painter, widget);
     const bool isField = element == PE_IndicatorCheckBox || element == PE_IndicatorMenuCheckMark ||
                          element == PE_FrameLineEdit || element == PE_PanelLineEdit;
     if (!isField && element != PE_FrameGroupBox) {

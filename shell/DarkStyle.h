@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QProxyStyle>
+#include "shell/ProgramStyle.h"
 
 namespace starbloom {
 
 /// The style for our own dark palette: Fusion, which draws outlines darker than what they lie on, so that in the dark
 /// boxes and fields lose them, with outlines that can be seen. GUI thread.
-class DarkStyle : public QProxyStyle {
+class DarkStyle : public ProgramStyle {
     Q_OBJECT
 
 public:

@@ -8,6 +8,7 @@
 #include "shell/LogCategories.h"
 #include "shell/QtDelayedCalls.h"
 #include "shell/ShowSeed.h"
+#include "shell/Spark.h"
 #include "shell/TerminationSignals.h"
 #include "views/Texts.h"
 
@@ -108,7 +109,11 @@ int main(int argc, char** argv) {
     if (!hasDisplay(argc, argv)) {
         return refuse(argc, argv);
     }
-    const std::jthread fonts([] { FcInit(); }); // Meanwhile; the first text needs them.
+    // Meanwhile. The first text needs the fonts.
+    const std::jthread preparation([] {
+        starbloom::spark();
+        FcInit();
+    });
     usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);

@@ -6,16 +6,30 @@
 #include "persistence/stores/NumberText.h"
 #include "persistence/stores/SqliteDatabase.h"
 
+#include <sys/stat.h>
+
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <ctime>
 #include <system_error>
 #include <utility>
 
 namespace starbloom {
 
 namespace {
+
+/// Which file it is, and when it was last written to.
+struct FileState {
+    dev_t device;
+    ino_t inode;
+    off_t size;
+    std::time_t seconds;
+    long nanoseconds;
+
+    bool operator==(const FileState&) const = default;
+};
 
 constexpr int keyColumn = 1;
 constexpr int valueColumn = 2;
@@ -58,6 +72,23 @@ bool endsEarly(SqliteDatabase& database, const std::filesystem::path& file) {
     return !error && size < pages * answer(database, "PRAGMA page_size");
 }
 
+/// Nothing while there is a journal, where changes may stand that the file does not show, or for a file that was
+/// written to just now: the file system's clock is coarse, and a second change could carry the same time.
+std::optional<FileState> stateOf(const std::filesystem::path& file) {
+    for (const char* journal : {"-wal", "-journal"}) {
+        if (fileExists(std::filesystem::path(file).concat(journal))) {
+            return std::nullopt;
+        }
+    }
+
+    struct stat state {};
+
+    if (::stat(file.c_str(), &state) != 0 || std::time(nullptr) - state.st_mtim.tv_sec < 2) {
+        return std::nullopt;
+    }
+    return FileState{state.st_dev, state.st_ino, state.st_size, state.st_mtim.tv_sec, state.st_mtim.tv_nsec};
+}
+
 /// Takes the rows that the statement still has into values, and gives the code that ended it.
 int takeRows(SqliteStatement& statement, const StoreDefinition& definition, StoreValues& values) {
     std::vector<bool> seen(values.size());
@@ -85,6 +116,7 @@ struct KeyValueStore::Reading {
     int code = SQLITE_DONE;
     std::string reason;
     StoreValues values;
+    std::optional<FileState> file; ///< As it was before.
 
     bool complete() const { return code == SQLITE_DONE; }
 
@@ -105,14 +137,22 @@ void KeyValueStore::openCreate() {
         }
         return;
     }
-    const Reading reading = readThoroughly();
+    Reading reading = readThoroughly();
     if (isDamage(reading.code)) {
         replaceDamaged(reading);
+    } else if (reading.complete() && reading.file) {
+        m_kept = std::make_shared<const Reading>(std::move(reading));
     }
 }
 
+std::shared_ptr<const KeyValueStore::Reading> KeyValueStore::keptReading() const {
+    return m_kept != nullptr && stateOf(m_file) == m_kept->file ? m_kept : nullptr;
+}
+
 std::optional<std::vector<std::string>> KeyValueStore::readAll() const {
-    const Reading reading = readThoroughly();
+    const auto kept = keptReading();
+    const Reading fresh = kept ? Reading{} : readThoroughly();
+    const Reading& reading = kept ? *kept : fresh;
     if (!reading.complete()) {
         report("cannot read ", reading.reason);
         if (!reading.hasValues()) {
@@ -153,6 +193,7 @@ void KeyValueStore::save(const std::string& value, const std::string& key) const
 KeyValueStore::Reading KeyValueStore::read(bool pastDamage) const {
     Reading reading;
     reading.values.resize(m_definition.rows.size());
+    reading.file = stateOf(m_file);
     SqliteDatabase database(m_file);
     const auto failed = [&](int code, std::string reason) {
         reading.code = code;

@@ -5,6 +5,7 @@
 #include "persistence/stores/StoreTables.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -41,10 +42,12 @@ public:
 
     /// For the launch: makes the file with its default rows if it does not exist (see createStoreFile()), replaces one
     /// that is damaged, and leaves any other alone, whatever rows it has. Removes what killed runs left in the folder.
+    /// Has to read the whole file for that, and keeps what it read for the launch's own reading.
     void openCreate();
 
     /// The value of each key, in the order of the definition's rows. Nothing when the file or its table cannot be read;
-    /// if only the reading of its later rows fails, those have their default values. Changes nothing.
+    /// if only the reading of its later rows fails, those have their default values. Changes nothing. While nobody has
+    /// written to the file since openCreate(), it is not read again.
     std::optional<std::vector<std::string>> readAll() const;
 
     /// Writes one value. A key that has no row changes nothing and reports nothing. A file that cannot be opened, one
@@ -60,11 +63,13 @@ private:
     struct Reading;
     Reading read(bool pastDamage) const;
     Reading readThoroughly() const;
+    std::shared_ptr<const Reading> keptReading() const;
     void replaceDamaged(const Reading& reading) const;
     void report(const std::string& what, const std::string& why) const;
 
     std::filesystem::path m_file;
     const StoreDefinition& m_definition;
+    std::shared_ptr<const Reading> m_kept; ///< Nothing, or what openCreate() read without an error.
 };
 
 } // namespace starbloom

@@ -3,7 +3,6 @@
 
 #include "base/Log.h"
 #include "export/picture/FileNames.h"
-#include "persistence/files/ExportSettings.h"
 #include "shell/ButtonText.h"
 #include "shell/ControlTitles.h"
 #include "shell/ModalPlace.h"
@@ -35,8 +34,15 @@ ExportWindow::ExportWindow(std::filesystem::path settingsFile, Stores& stores, M
     , m_stores(stores)
     , m_menus(menus)
     , m_calls(calls)
-    , m_mainWindow(mainWindow)
-    , m_ui(std::make_unique<Ui::ExportWindow>()) {
+    , m_mainWindow(mainWindow) {
+    setObjectName(QStringLiteral("exportWindow"));
+    setWindowModality(Qt::ApplicationModal);
+}
+
+ExportWindow::~ExportWindow() = default;
+
+void ExportWindow::makeControls() {
+    m_ui = std::make_unique<Ui::ExportWindow>();
     m_ui->setupUi(this);
     // The box knows on which side the desktop has which button.
     m_ui->buttonBox->addButton(m_ui->saveButton3, QDialogButtonBox::AcceptRole);
@@ -49,30 +55,29 @@ ExportWindow::ExportWindow(std::filesystem::path settingsFile, Stores& stores, M
     setControlTitles(*this);
     setButtonText(skyBlue, *m_ui->saveButton3);
     m_ui->saveButton3->setDefault(true);
-    setWindowModality(Qt::ApplicationModal);
     fill();
     connect(m_ui->formatPButton3, &QComboBox::activated, this, &ExportWindow::format3Selected);
+    connect(m_ui->compressPButton3, &QComboBox::activated, this, [this](int index) { m_chosen.compression = index; });
     connect(m_ui->fileField3, &QLineEdit::textEdited, this, &ExportWindow::nameChanged);
     connect(m_ui->saveButton3, &QPushButton::clicked, this, &ExportWindow::save3Clicked);
     connect(m_ui->cancelButton3, &QPushButton::clicked, this, &ExportWindow::cancel3Clicked);
 }
 
-ExportWindow::~ExportWindow() = default;
-
 void ExportWindow::fill() {
     for (const PictureFormatRow& row : pictureFormats) {
         m_ui->formatPButton3->addItem(shown(row.title));
     }
-    m_ui->formatPButton3->setCurrentIndex(static_cast<int>(PictureFormat::Png));
     for (const std::string_view title : compressionTitles) {
         m_ui->compressPButton3->addItem(shown(title));
     }
-    format3Selected();
 }
 
 void ExportWindow::showExportFrame() {
     if (m_open) {
         return;
+    }
+    if (m_ui == nullptr) {
+        makeControls();
     }
     m_menus.saveMenuStatus();
     m_stores.reloadOnlyDB1();
@@ -83,26 +88,22 @@ void ExportWindow::showExportFrame() {
 }
 
 void ExportWindow::loadSettings3() {
-    const auto settings = loadExportSettings(m_file);
-    if (settings) {
-        m_ui->formatPButton3->setCurrentIndex(settings->format);
-        m_ui->compressPButton3->setCurrentIndex(settings->compression);
-        format3Selected();
+    if (const auto settings = loadExportSettings(m_file)) {
+        m_chosen = *settings;
+    } else {
+        m_chosen.name = fallbackPictureName;
     }
-    m_ui->fileField3->setText(shown(settings ? settings->name : fallbackPictureName));
+    if (m_ui != nullptr) {
+        showChosen();
+    }
+}
+
+void ExportWindow::showChosen() {
+    m_ui->formatPButton3->setCurrentIndex(m_chosen.format);
+    m_ui->compressPButton3->setCurrentIndex(m_chosen.compression);
+    m_ui->compressPButton3->setEnabled(row(format()).hasQuality);
+    m_ui->fileField3->setText(shown(m_chosen.name));
     showValidity();
-}
-
-PictureFormat ExportWindow::format() const {
-    return static_cast<PictureFormat>(m_ui->formatPButton3->currentIndex());
-}
-
-int ExportWindow::compression() const {
-    return m_ui->compressPButton3->currentIndex();
-}
-
-std::string ExportWindow::name() const {
-    return m_ui->fileField3->text().toStdString();
 }
 
 bool ExportWindow::nameIsValid() const {
@@ -110,10 +111,12 @@ bool ExportWindow::nameIsValid() const {
 }
 
 void ExportWindow::format3Selected() {
+    m_chosen.format = m_ui->formatPButton3->currentIndex();
     m_ui->compressPButton3->setEnabled(row(format()).hasQuality);
 }
 
 void ExportWindow::nameChanged() {
+    m_chosen.name = m_ui->fileField3->text().toStdString();
     showValidity();
     emit changed();
 }
@@ -130,8 +133,7 @@ void ExportWindow::showValidity() {
 
 void ExportWindow::save3Clicked() {
     m_ui->saveButton3->setEnabled(false);
-    const ExportSettings settings{m_ui->formatPButton3->currentIndex(), compression(), name()};
-    if (const auto saved = saveExportSettings(m_file, settings); !saved) {
+    if (const auto saved = saveExportSettings(m_file, m_chosen); !saved) {
         log(LogLevel::Warning, "persistence", saved.error().message);
     }
     m_pendingEnable = PendingCall(m_calls, saveRest, [this] { m_ui->saveButton3->setEnabled(true); });

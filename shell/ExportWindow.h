@@ -3,6 +3,7 @@
 
 #include "base/DelayedCalls.h"
 #include "export/picture/PictureFormat.h"
+#include "persistence/files/ExportSettings.h"
 #include "persistence/files/MenuSnapshot.h"
 #include "persistence/stores/Stores.h"
 
@@ -22,7 +23,8 @@ namespace starbloom {
 ///
 /// Modal to the application, without an event loop of its own. Saving keeps the settings and leaves the window open.
 /// While the name is not valid the button that closes the window is disabled, and so are Escape and the close box: a
-/// name that stops all exports is to be seen. What it refers to must outlive it. GUI thread.
+/// name that stops all exports is to be seen. The controls are made when the window is opened for the first time. What
+/// it refers to must outlive it. GUI thread.
 class ExportWindow final : public QDialog {
     Q_OBJECT
 
@@ -36,12 +38,15 @@ public:
 
     bool isExportOpen() const { return m_open; }
 
-    /// Sets the controls from the file. Without one the name is "Picture" and the others stay as they are.
+    /// Takes the settings from the file. Without one the name is "Picture" and the others stay as they are.
     void loadSettings3();
 
-    PictureFormat format() const;
-    int compression() const; ///< Index in the pop-up.
-    std::string name() const;
+    PictureFormat format() const { return static_cast<PictureFormat>(m_chosen.format); }
+
+    int compression() const { return m_chosen.compression; } ///< Index in the pop-up.
+
+    const std::string& name() const { return m_chosen.name; }
+
     bool nameIsValid() const;
 
     void save3Clicked();
@@ -55,7 +60,9 @@ signals:
     void changed();
 
 private:
+    void makeControls();
     void fill();
+    void showChosen();
     void format3Selected();
     void nameChanged();
     void showValidity();
@@ -65,7 +72,8 @@ private:
     MenuSnapshot& m_menus;
     DelayedCalls& m_calls;
     QWidget& m_mainWindow;
-    std::unique_ptr<Ui::ExportWindow> m_ui;
+    ExportSettings m_chosen;                ///< What the controls show.
+    std::unique_ptr<Ui::ExportWindow> m_ui; ///< Nothing until the window is opened.
     bool m_open = false;
     PendingCall m_pendingEnable;
 };

@@ -40,8 +40,15 @@ MovieWindow::MovieWindow(Show show, Stores& stores, MenuSnapshot& menus, Delayed
     , m_stores(stores)
     , m_menus(menus)
     , m_calls(calls)
-    , m_mainWindow(mainWindow)
-    , m_ui(std::make_unique<Ui::MovieWindow>()) {
+    , m_mainWindow(mainWindow) {
+    setObjectName(QStringLiteral("makemovieWindow"));
+    setWindowModality(Qt::ApplicationModal);
+}
+
+MovieWindow::~MovieWindow() = default;
+
+void MovieWindow::makeControls() {
+    m_ui = std::make_unique<Ui::MovieWindow>();
     m_ui->setupUi(this);
     const auto fill = [](QComboBox& popup, int count, std::string (*title)(int)) {
         for (int i = 0; i < count; ++i) {
@@ -54,7 +61,6 @@ MovieWindow::MovieWindow(Show show, Stores& stores, MenuSnapshot& menus, Delayed
     setControlTitles(*this);
     setButtonText(orange, *m_ui->loadButton4);
     setButtonText(skyBlue, *m_ui->saveButton4);
-    setWindowModality(Qt::ApplicationModal);
     connect(m_ui->popupButton4a, &QComboBox::activated, this, &MovieWindow::showMemory);
     connect(m_ui->popupButton4b, &QComboBox::activated, this, &MovieWindow::showMemory);
     connect(m_ui->popupButton4b, &QComboBox::activated, this, &MovieWindow::validateCreate);
@@ -66,11 +72,12 @@ MovieWindow::MovieWindow(Show show, Stores& stores, MenuSnapshot& menus, Delayed
     connect(m_ui->createButton4, &QPushButton::clicked, this, &MovieWindow::createClicked);
 }
 
-MovieWindow::~MovieWindow() = default;
-
 void MovieWindow::openMovieSettings() {
     if (m_open) {
         return;
+    }
+    if (m_ui == nullptr) {
+        makeControls();
     }
     emit opening();
     m_show.controller.setControls(false);

@@ -24,7 +24,8 @@ class SliderPanel;
 ///
 /// Modal to the application, without an event loop of its own. While it is open the sliders and the preset's buttons
 /// rest, and the show has the launch rate that the movie will begin with. Closing gives all of it back; after Create it
-/// is the recording's to give back. What it refers to must outlive it. GUI thread.
+/// is the recording's to give back. The controls are made when the window is opened for the first time. What it refers
+/// to must outlive it. GUI thread.
 class MovieWindow final : public QDialog {
     Q_OBJECT
 
@@ -73,6 +74,7 @@ signals:
     void createClicked();
 
 private:
+    void makeControls();
     void loadMovieSettings();
     void saveMovieSettings2();
     void fadein4Selected();
@@ -85,7 +87,7 @@ private:
     MenuSnapshot& m_menus;
     DelayedCalls& m_calls;
     QWidget& m_mainWindow;
-    std::unique_ptr<Ui::MovieWindow> m_ui;
+    std::unique_ptr<Ui::MovieWindow> m_ui; ///< Nothing until the window is opened.
     double m_birthRate = 0.0;
     bool m_open = false;
     PendingCall m_pendingEnable;

@@ -80,8 +80,12 @@ TEST_F(ExportTest, AClickMakesAPictureThatTellsOfItsShow) {
     EXPECT_EQ(around.shown, folder / "Picture.png");
 
     // The controls count, kept or not, and so does a slider that has been moved.
-    find<QComboBox>("formatPButton3").setCurrentIndex(5);
-    find<QLineEdit>("fileField3").setText(QStringLiteral("Feu d'été"));
+    trigger("fileExportsettings");
+    QTest::keyClick(&find<QComboBox>("formatPButton3"), Qt::Key_End);
+    auto& name = find<QLineEdit>("fileField3");
+    name.selectAll();
+    name.insert(QStringLiteral("Feu d'été"));
+    QTest::keyClick(&find<QDialog>("exportWindow"), Qt::Key_Escape);
     QTest::keyClick(&find<ParameterSlider>("rocketGravitySlider"), Qt::Key_Home);
     trigger("savepictToolbar");
     ASSERT_TRUE(isTold(QStringLiteral("Saved Feu d'été.tif")));
@@ -135,8 +139,8 @@ TEST_F(ExportTest, SettingsOfPicturesAreKeptAndAWrongNameStopsExportsAndTheClose
 
 TEST_F(ExportTest, MovieSettingsTakeTheSlidersAndGiveAllBack) {
     auto& slider = find<ParameterSlider>("rocketBirthSlider");
-    auto& create = find<QPushButton>("createButton4");
     trigger("savemovieToolbar");
+    auto& create = find<QPushButton>("createButton4");
     EXPECT_FALSE(slider.isEnabled() || find<QPushButton>("saveButton6").isEnabled());
     EXPECT_FALSE(find<QAction>("fileExport2").isEnabled());
     EXPECT_TRUE(find<QLabel>("label4d").text().endsWith(QStringLiteral("294.9 MB")));

@@ -6,6 +6,8 @@
 #include "engine/time/EmitterPlan.h"
 
 #include <QEvent>
+#include <QPaintEngine>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
@@ -37,6 +39,25 @@ QRect coveredPixels(const QRect& widget, const QTransform& toPixels) {
     const QPoint topLeft(qRound(exact.left()), qRound(exact.top()));
     const QPoint bottomRight(qRound(exact.right()), qRound(exact.bottom()));
     return {topLeft, QSize(std::max(bottomRight.x() - topLeft.x(), 1), std::max(bottomRight.y() - topLeft.y(), 1))};
+}
+
+/// Copies the part of a picture that lies in a rectangle of the target straight into the target's memory. A painter
+/// clipped to many rectangles would do it span by span, and wake threads for that.
+void copyPixels(const QImage& picture, const QPoint& place, const QRect& rect, QImage& target) {
+    const QRect area = rect & QRect(place, picture.size()) & target.rect();
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const auto* from =
+            reinterpret_cast<const QRgb*>(picture.constScanLine(y - place.y())) + area.left() - place.x();
+        std::copy_n(from, area.width(), reinterpret_cast<QRgb*>(target.scanLine(y)) + area.left());
+    }
+}
+
+/// The window's own memory behind a painter, if a picture's pixels can be copied to it as they are.
+QImage* memoryBehind(const QPainter& painter) {
+    auto* image = dynamic_cast<QImage*>(painter.paintEngine()->paintDevice());
+    const bool same = image != nullptr && (image->format() == QImage::Format_RGB32 ||
+                                           image->format() == QImage::Format_ARGB32_Premultiplied);
+    return same ? image : nullptr;
 }
 
 } // namespace
@@ -162,9 +183,29 @@ void StageView::showDueFrame() {
     const auto now = m_clockSource();
     if (const auto moment = m_schedule.takeDueFrame(now)) {
         passTimeUntil(*moment);
-        invalidate();
+        showChanges();
     }
     waitForNextFrame();
+}
+
+void StageView::showChanges() {
+    m_stale = true;
+    if (!canBeSeen()) {
+        return;
+    }
+    if (m_renderedFrames == 0 || m_pictureSize != QWidget::size() || m_pixelsPerPoint != devicePixelRatioF()) {
+        update(); // Where the picture lies among the screen's pixels is found out when it is painted.
+        return;
+    }
+    // Drawn now and not when it is painted, so that only what has changed needs to be.
+    render(m_picture.size(), m_pixelsPerPoint);
+    QRegion changed;
+    for (const PixelRect& pixels : m_lit.changed()) {
+        const QRectF exact(pixels.x / m_pixelsPerPoint, pixels.y / m_pixelsPerPoint, pixels.width / m_pixelsPerPoint,
+                           pixels.height / m_pixelsPerPoint);
+        changed += m_pixelsPerPoint == 1.0 ? exact.toRect() : exact.toAlignedRect().adjusted(-1, -1, 1, 1);
+    }
+    update(changed);
 }
 
 void StageView::waitForNextFrame() {
@@ -180,7 +221,7 @@ void StageView::invalidate() {
     }
 }
 
-void StageView::paintEvent(QPaintEvent*) {
+void StageView::paintEvent(QPaintEvent* event) {
     if (m_renderedFrames == 0) {
         log(LogLevel::Info, "views", "first frame"); // What the benchmark of the launch waits for.
     }
@@ -190,6 +231,13 @@ void StageView::paintEvent(QPaintEvent*) {
     if (m_stale || m_picture.size() != pixels.size() || m_pixelsPerPoint != toPixels.m11()) {
         render(pixels.size(), toPixels.m11());
     }
+    m_pictureSize = QWidget::size();
+    if (QImage* memory = memoryBehind(painter)) {
+        for (const QRect& part : event->region()) {
+            copyPixels(m_picture, pixels.topLeft(), coveredPixels(part, toPixels), *memory);
+        }
+        return;
+    }
     // Drawn in the screen's own pixels, so that nothing is scaled and no edge lies between two of them.
     painter.setWorldTransform(QTransform::fromTranslate(pixels.x(), pixels.y()) * toPixels.inverted());
     painter.drawImage(0, 0, m_picture);
@@ -198,11 +246,13 @@ void StageView::paintEvent(QPaintEvent*) {
 void StageView::render(const QSize& pixels, double pixelsPerPoint) {
     if (m_picture.size() != pixels) {
         m_picture = QImage(pixels, pictureFormat);
+        m_lit.forget();
     }
     const RasterTarget target{m_picture.bits(), static_cast<std::size_t>(m_picture.bytesPerLine()), pixels.width(),
                               pixels.height(), PixelOrder::Bgra};
-    m_renderer.render(m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{},
-                      {.time = m_clock.time(), .pixelsPerPoint = pixelsPerPoint, .background = background()}, target);
+    m_renderer.renderNext(m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{},
+                          {.time = m_clock.time(), .pixelsPerPoint = pixelsPerPoint, .background = background()},
+                          target, m_lit);
     m_pixelsPerPoint = pixelsPerPoint;
     m_shownTime = m_clock.time();
     m_stale = false;
@@ -248,6 +298,7 @@ void StageView::endRecording() {
 
 void StageView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    m_pictureSize = QSize(); // All of it is painted next.
     watchWindow();
     startOrStop();
 }

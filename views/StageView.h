@@ -109,6 +109,7 @@ private:
     void startOrStop();
     void restartSchedule();
     void showDueFrame();
+    void showChanges();
     void waitForNextFrame();
     void passTimeUntil(std::chrono::nanoseconds moment);
     void readLayer();
@@ -146,6 +147,8 @@ private:
     QMetaObject::Connection m_rateConnection;
 
     QImage m_picture;
+    LitArea m_lit;                 ///< Of m_picture.
+    QSize m_pictureSize;           ///< The widget's when m_picture was painted.
     double m_pixelsPerPoint = 1.0; ///< Of m_picture.
     double m_shownTime = 0.0;      ///< Of m_picture.
     bool m_stale = true;           ///< Whether m_picture no longer shows the present state.

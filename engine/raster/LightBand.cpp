@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/raster/LightBand.h"
 
+#include "engine/raster/LitArea.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -40,8 +42,7 @@ void LightBand::begin(int pictureWidth, int top, int rows) {
     }
     m_top = top;
     m_rows = rows;
-    m_firstX = pictureWidth;
-    m_lastX = 0;
+    m_lit.assign(static_cast<std::size_t>((pictureWidth + LitArea::cellWidth - 1) / LitArea::cellWidth), 0);
 }
 
 void LightBand::draw(const RasterKernels& kernels, const SpriteSet& sprite, const SparkCommand& command) {
@@ -54,8 +55,10 @@ void LightBand::draw(const RasterKernels& kernels, const SpriteSet& sprite, cons
     }
     const std::int16_t* mask =
         sprite.mask(command.phaseX, command.phaseY) + static_cast<std::ptrdiff_t>(first - spriteTop) * sprite.stride;
-    m_firstX = std::min(m_firstX, std::max(x, 0));
-    m_lastX = std::max(m_lastX, std::min(x + sprite.stride, m_width));
+    const int lastCell = (std::min(x + sprite.stride, m_width) - 1) / LitArea::cellWidth;
+    for (int cell = std::max(x, 0) / LitArea::cellWidth; cell <= lastCell; ++cell) {
+        m_lit[static_cast<std::size_t>(cell)] = cellIsLit;
+    }
     if (x < -margin || x + sprite.stride > m_width + margin) {
         drawWide(kernels, mask, sprite.stride, rows, x, first - m_top, command);
         return;
@@ -77,18 +80,27 @@ void LightBand::drawWide(const RasterKernels& kernels, const std::int16_t* mask,
 }
 
 void LightBand::resolve(const RasterKernels& kernels, const ResolveSettings& settings, std::uint8_t* pixels,
-                        std::size_t bytesPerRow) {
-    const bool touched = m_lastX > m_firstX;
-    const int firstX = touched ? m_firstX : m_width;
-    const int lastX = touched ? m_lastX : m_width;
-    for (int row = 0; row < m_rows; ++row) {
-        std::uint8_t* out = pixels + static_cast<std::size_t>(row) * bytesPerRow;
-        fillBackground(settings, out, firstX);
-        if (touched) {
-            kernels.resolve(rowStart(row) + firstX, m_planeStride, static_cast<std::size_t>(lastX - firstX), settings,
-                            out + 4 * static_cast<std::size_t>(firstX));
+                        std::size_t bytesPerRow, std::span<std::uint8_t> cells) {
+    for (std::size_t first = 0; first < cells.size();) {
+        const std::uint8_t now = m_lit[first];
+        const std::uint8_t before = cells[first] & cellIsLit;
+        std::size_t end = first;
+        for (; end < cells.size() && m_lit[end] == now && (cells[end] & cellIsLit) == before; ++end) {
         }
-        fillBackground(settings, out + 4 * static_cast<std::size_t>(lastX), m_width - lastX);
+        const bool write = (now | before) != 0;
+        std::fill(cells.begin() + static_cast<std::ptrdiff_t>(first), cells.begin() + static_cast<std::ptrdiff_t>(end),
+                  static_cast<std::uint8_t>(now | (write ? cellIsWritten : 0)));
+        const auto left = first * LitArea::cellWidth;
+        const auto count = std::min(end * LitArea::cellWidth, static_cast<std::size_t>(m_width)) - left;
+        first = end;
+        for (int row = 0; write && row < m_rows; ++row) {
+            std::uint8_t* out = pixels + static_cast<std::size_t>(row) * bytesPerRow + 4 * left;
+            if (now != 0) {
+                kernels.resolve(rowStart(row) + left, m_planeStride, count, settings, out);
+            } else {
+                fillBackground(settings, out, static_cast<int>(count));
+            }
+        }
     }
 }
 

@@ -5,9 +5,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace starbloom {
+
+// What is known of a cell of the picture, see LitArea.
+constexpr std::uint8_t cellIsLit = 1;
+constexpr std::uint8_t cellIsWritten = 2;
 
 /// The accumulated light of some rows of the picture, used for one band after the other. Between bands all light is
 /// zero, which resolve() restores, so only what was touched is ever cleared.
@@ -19,9 +24,10 @@ public:
     /// Adds the rows of a sprite that lie in the band.
     void draw(const RasterKernels& kernels, const SpriteSet& sprite, const SparkCommand& command);
 
-    /// Writes the band's pixels, the first row to `pixels`, and takes the light back to zero.
+    /// Writes the band's pixels, the first row to `pixels`, and takes the light back to zero. Cells that are dark now
+    /// and before are not written; the others are marked as lit or not, and as written.
     void resolve(const RasterKernels& kernels, const ResolveSettings& settings, std::uint8_t* pixels,
-                 std::size_t bytesPerRow);
+                 std::size_t bytesPerRow, std::span<std::uint8_t> cells);
 
 private:
     std::uint16_t* rowStart(int row) {
@@ -38,8 +44,7 @@ private:
     int m_top = 0;
     int m_rows = 0;
     std::ptrdiff_t m_planeStride = 0;
-    int m_firstX = 0; ///< What has been touched: first .. last - 1; nothing when last <= first.
-    int m_lastX = 0;
+    std::vector<std::uint8_t> m_lit; ///< For each cell, whether it has been touched.
     std::vector<std::uint16_t> m_light;
     std::vector<std::int16_t> m_cutMask;
 };

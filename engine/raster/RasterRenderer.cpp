@@ -31,6 +31,18 @@ std::uint16_t backgroundLight(float channel, float alpha) {
     return static_cast<std::uint16_t>((level << lightShift) + (1 << (lightShift - 1)));
 }
 
+/// Whether a frame takes less than about half a millisecond.
+bool isSmall(std::span<const SparkBatch> sparks, const RasterRenderer::View& view, const RasterTarget& target) {
+    constexpr double mostPixels = 1'500'000.0;
+    constexpr double mostSparks = 2'000.0; // Of the usual size at one pixel per point.
+    std::size_t count = 0;
+    for (const SparkBatch& batch : sparks) {
+        count += batch.size();
+    }
+    return static_cast<double>(target.width) * target.height <= mostPixels &&
+           static_cast<double>(count) * view.pixelsPerPoint * view.pixelsPerPoint <= mostSparks;
+}
+
 } // namespace
 
 /// The working memory of a renderer, and the steps of one frame.
@@ -39,29 +51,51 @@ public:
     explicit Frame(const RasterKernels& kernels)
         : m_kernels(kernels) {}
 
-    void render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target);
+    void render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target, LitArea& lit);
+
+    LitArea& ownArea() { return m_area; }
 
 private:
     void splitIntoChunks(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target);
     std::uint16_t atlasFor(const std::shared_ptr<const SparkImage>& image);
     void placeSparks();
     void makeMissingSprites();
-    void drawBand(int band, const View& view, const RasterTarget& target);
+    void drawBand(int band, const View& view, const RasterTarget& target, LitArea& lit);
+    template <typename Task>
+    void forEach(std::size_t count, const Task& task) const;
 
     const RasterKernels& m_kernels;
     std::vector<std::unique_ptr<SpriteAtlas>> m_atlases;
     std::vector<CommandChunk> m_chunks;
     std::size_t m_chunkCount = 0; ///< In use in this frame; the others only keep their memory.
     TileGrid m_grid;
+    bool m_small = false; ///< This frame is not worth waking other threads for.
+    LitArea m_area;       ///< For callers that have none.
     oneapi::tbb::enumerable_thread_specific<LightBand> m_bands;
 };
 
-void RasterRenderer::Frame::render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target) {
+template <typename Task>
+void RasterRenderer::Frame::forEach(std::size_t count, const Task& task) const {
+    if (!m_small) {
+        oneapi::tbb::parallel_for(std::size_t{0}, count, task);
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        task(i);
+    }
+}
+
+void RasterRenderer::Frame::render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target,
+                                   LitArea& lit) {
     m_grid = TileGrid(target.width, target.height);
+    lit.begin(target.width, target.height, TileGrid::tileHeight, view.background);
     splitIntoChunks(sparks, view, target);
+    m_small = isSmall(sparks, view, target);
     placeSparks();
     makeMissingSprites();
-    oneapi::tbb::parallel_for(0, m_grid.bands(), [&](int band) { drawBand(band, view, target); });
+    forEach(static_cast<std::size_t>(m_grid.bands()),
+            [&](std::size_t band) { drawBand(static_cast<int>(band), view, target, lit); });
+    lit.end();
 }
 
 void RasterRenderer::Frame::splitIntoChunks(std::span<const SparkBatch> sparks, const View& view,
@@ -108,8 +142,7 @@ std::uint16_t RasterRenderer::Frame::atlasFor(const std::shared_ptr<const SparkI
 }
 
 void RasterRenderer::Frame::placeSparks() {
-    oneapi::tbb::parallel_for(std::size_t{0}, m_chunkCount,
-                              [&](std::size_t i) { m_chunks[i].place(m_kernels, m_grid, m_atlases); });
+    forEach(m_chunkCount, [&](std::size_t i) { m_chunks[i].place(m_kernels, m_grid, m_atlases); });
 }
 
 void RasterRenderer::Frame::makeMissingSprites() {
@@ -133,15 +166,14 @@ void RasterRenderer::Frame::makeMissingSprites() {
     std::ranges::sort(missing);
     missing.erase(std::unique(missing.begin(), missing.end()), missing.end());
     std::vector<std::unique_ptr<SpriteSet>> made(missing.size());
-    oneapi::tbb::parallel_for(std::size_t{0}, missing.size(), [&](std::size_t i) {
-        made[i] = m_atlases[missing[i].atlas]->make(static_cast<int>(missing[i].key));
-    });
+    forEach(missing.size(),
+            [&](std::size_t i) { made[i] = m_atlases[missing[i].atlas]->make(static_cast<int>(missing[i].key)); });
     for (std::size_t i = 0; i < missing.size(); ++i) {
         m_atlases[missing[i].atlas]->install(static_cast<int>(missing[i].key), std::move(made[i]));
     }
 }
 
-void RasterRenderer::Frame::drawBand(int band, const View& view, const RasterTarget& target) {
+void RasterRenderer::Frame::drawBand(int band, const View& view, const RasterTarget& target, LitArea& lit) {
     LightBand& light = m_bands.local();
     const int top = band * TileGrid::tileHeight;
     light.begin(target.width, top, std::min(TileGrid::tileHeight, target.height - top));
@@ -159,7 +191,7 @@ void RasterRenderer::Frame::drawBand(int band, const View& view, const RasterTar
                            backgroundLight(background.blue, background.alpha)};
     settings.order = target.order;
     light.resolve(m_kernels, settings, target.pixels + static_cast<std::size_t>(top) * target.bytesPerRow,
-                  target.bytesPerRow);
+                  target.bytesPerRow, lit.band(band));
 }
 
 RasterTarget RasterTarget::of(ImageBuffer& image) {
@@ -174,7 +206,13 @@ RasterRenderer::RasterRenderer(RasterRenderer&&) noexcept = default;
 RasterRenderer& RasterRenderer::operator=(RasterRenderer&&) noexcept = default;
 
 void RasterRenderer::render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target) {
-    m_frame->render(sparks, view, target);
+    m_frame->ownArea().forget();
+    m_frame->render(sparks, view, target, m_frame->ownArea());
+}
+
+void RasterRenderer::renderNext(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target,
+                                LitArea& lit) {
+    m_frame->render(sparks, view, target, lit);
 }
 
 } // namespace starbloom

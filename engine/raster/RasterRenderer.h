@@ -3,6 +3,7 @@
 
 #include "base/Color.h"
 #include "base/ImageBuffer.h"
+#include "engine/raster/LitArea.h"
 #include "engine/raster/RasterKernels.h"
 #include "engine/time/SparkBatch.h"
 
@@ -33,7 +34,8 @@ struct RasterTarget {
 ///
 /// How threads share the work: sparks are placed in chunks and sorted into tiles, one chunk a task; then the picture is
 /// drawn in bands of rows, one band a task, each of which reads all chunks and alone writes its rows. The tasks run in
-/// the caller's oneTBB arena, so its limits hold. Between the two, missing sprites are made, also in parallel.
+/// the caller's oneTBB arena, so its limits hold. Between the two, missing sprites are made, also in parallel. A small
+/// frame is drawn by the caller alone: waking others would take longer than the drawing.
 ///
 /// A renderer keeps sprites and working memory for the next frame. It may be used from one thread at a time.
 class RasterRenderer {
@@ -51,6 +53,9 @@ public:
 
     /// Overwrites the whole target with opaque pixels.
     void render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target);
+
+    /// The same, into memory that still holds the frame that `lit` tells of: what is dark in both is not touched.
+    void renderNext(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target, LitArea& lit);
 
 private:
     class Frame;

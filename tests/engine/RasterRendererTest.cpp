@@ -347,6 +347,52 @@ TEST(RasterRenderer, oneRendererDrawsFrameAfterFrame) {
     }
 }
 
+/// The pixels that differ lie in the rectangles.
+void expectToldOf(const ImageBuffer& before, const ImageBuffer& after, const std::vector<PixelRect>& changed) {
+    int untold = 0;
+    for (int y = 0; y < after.height(); ++y) {
+        for (int x = 0; x < after.width(); ++x) {
+            const bool told = std::ranges::any_of(changed, [&](const PixelRect& each) {
+                return x >= each.x && x < each.x + each.width && y >= each.y && y < each.y + each.height;
+            });
+            const auto offset = after.bytesPerRow() * static_cast<std::size_t>(y) + 4 * static_cast<std::size_t>(x);
+            untold += !told && !std::equal(&after.bytes()[offset], &after.bytes()[offset] + 4, &before.bytes()[offset]);
+        }
+    }
+    EXPECT_EQ(untold, 0);
+}
+
+TEST(RasterRenderer, TheNextFrameInTheSameMemoryIsTheSamePictureAndTellsWhatIsOther) {
+    Simulation simulation(20, panelPlan());
+    RasterRenderer renderer;
+    LitArea lit;
+    ImageBuffer image(637, 479);
+    View view;
+    std::size_t least = 1000;
+    for (int frame = 0; frame < 60; ++frame) {
+        simulation.advanceTo(view.time = 2.0 + frame / 10.0);
+        if (frame == 30) {
+            view.background = {0.1F, 0.0F, 0.2F, 1.0F};
+        }
+        const ImageBuffer before = image;
+        renderer.renderNext(simulation.sparks(), view, RasterTarget::of(image), lit);
+        EXPECT_TRUE(image == draw(simulation.sparks(), image.width(), image.height(), view)) << frame;
+        expectToldOf(before, image, lit.changed());
+        std::size_t pixels = 0;
+        for (const PixelRect& each : lit.changed()) {
+            pixels += static_cast<std::size_t>(each.width) * static_cast<std::size_t>(each.height);
+        }
+        least = std::min(least, pixels * 100 / (637 * 479));
+        EXPECT_EQ(pixels == 637 * 479, frame == 0 || frame == 30) << frame;
+    }
+    EXPECT_LT(least, 30U); // Percent: the sky is mostly dark.
+
+    std::ranges::fill(image.bytes(), std::uint8_t{77});
+    lit.forget();
+    renderer.renderNext({}, view, RasterTarget::of(image), lit);
+    EXPECT_TRUE(image == draw({}, image.width(), image.height(), view));
+}
+
 } // namespace
 
 } // namespace starbloom

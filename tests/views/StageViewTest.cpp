@@ -213,6 +213,24 @@ TEST(StageView, HasOnePixelForEachPixelOfTheScreen) {
     }
 }
 
+TEST(StageView, WhatIsPaintedInPartsIsTheWholePicture) {
+    Theatre theatre;
+    theatre.show();
+    for (int frame = 1; frame <= 8; ++frame) {
+        const auto drawn = theatre.stage.renderedFrames();
+        theatre.now += 450ms;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return theatre.stage.renderedFrames() > drawn; }));
+    }
+    theatre.freezeAt(theatre.now - 1h);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(theatre.stage.picture() == theatre.reference());
+    const double ratio = theatre.stage.devicePixelRatioF();
+    QImage screen = theatre.screenshot();
+    screen.setDevicePixelRatio(1.0);
+    const QRect place(QPoint(qRound(13 * ratio), qRound(7 * ratio)), theatre.stage.picture().size());
+    EXPECT_TRUE(screen.copy(place) == theatre.stage.picture());
+}
+
 TEST(StageView, ResizingLeavesTheLaunchPointWhereItIs) {
     Theatre theatre;
     theatre.show();

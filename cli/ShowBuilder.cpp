@@ -13,22 +13,6 @@ namespace starbloom {
 
 namespace {
 
-/// A stage that is nothing but its size.
-class SizeStage final : public Stage {
-public:
-    explicit SizeStage(Size size)
-        : m_size(size) {}
-
-    Size size() const override { return m_size; }
-
-    void setRootLayer(std::shared_ptr<const RootLayer>) override {}
-
-    void layerChanged() override {}
-
-private:
-    Size m_size;
-};
-
 EmitterPlan planOf(const FireworksController& controller, const Options& options) {
     EmitterPlan plan = EmitterPlan::of(controller.mortor());
     plan.emitterPosition = options.launchPoint.value_or(plan.emitterPosition);

@@ -22,4 +22,20 @@ public:
     virtual void layerChanged() = 0;
 };
 
+/// A stage without a screen: nothing but its size.
+class SizeStage final : public Stage {
+public:
+    explicit SizeStage(Size size)
+        : m_size(size) {}
+
+    Size size() const override { return m_size; }
+
+    void setRootLayer(std::shared_ptr<const RootLayer>) override {}
+
+    void layerChanged() override {}
+
+private:
+    Size m_size;
+};
+
 } // namespace starbloom

@@ -2,12 +2,12 @@
 #include "views/ResultLine.h"
 
 #include "views/ControlLook.h"
+#include "views/LinkButton.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QPushButton>
 #include <QStyle>
 
 #include <utility>
@@ -74,47 +74,6 @@ private:
     bool m_error = false;
 };
 
-class ResultLine::Link : public QPushButton {
-public:
-    explicit Link(QWidget* parent)
-        : QPushButton(parent) {
-        setAutoDefault(true); // The Enter key clicks it, too.
-        setCursor(Qt::PointingHandCursor);
-        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
-    }
-
-    void setPlainText(QString text) {
-        m_text = text;
-        setText(text.replace(u'&', QStringLiteral("&&")));
-    }
-
-    QSize sizeHint() const override {
-        return {fontMetrics().horizontalAdvance(m_text) + 2 * border, fontMetrics().height() + 2};
-    }
-
-    QSize minimumSizeHint() const override { return sizeHint(); }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        const ControlState state = controlState(*this, isDown());
-        QFont underlined = font();
-        underlined.setUnderline(true);
-        painter.setFont(underlined);
-        painter.setPen(linkColor(palette()));
-        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, m_text);
-        if (state.focused) {
-            paintFocusRing(painter, rect(), palette());
-        }
-    }
-
-private:
-    /// Room for the focus ring.
-    static constexpr int border = 5;
-
-    QString m_text;
-};
-
 ResultLine::ResultLine(QWidget* parent)
     : QWidget(parent)
     , m_errorSymbol(new ErrorSymbol(this))
@@ -146,15 +105,15 @@ void ResultLine::setMessage(const QString& text, bool error, std::vector<LinkTo>
     m_text = text;
     m_errorSymbol->setVisible(error);
     m_message->setText(text, error);
-    for (Link* old : std::exchange(m_links, {})) {
+    for (LinkButton* old : std::exchange(m_links, {})) {
         old->hide();
         old->deleteLater(); // One of them may be what is being clicked.
     }
     auto* row = static_cast<QHBoxLayout*>(layout());
     for (LinkTo& each : links) {
-        auto* link = new Link(this);
+        auto* link = new LinkButton(this);
         link->setPlainText(each.text);
-        connect(link, &QPushButton::clicked, this, [follow = std::move(each.follow)] { follow(); });
+        connect(link, &LinkButton::clicked, this, [follow = std::move(each.follow)] { follow(); });
         row->insertWidget(row->count() - 1, link); // Before the stretch.
         link->show();
         m_links.push_back(link);

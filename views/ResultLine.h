@@ -9,6 +9,8 @@
 
 namespace starbloom {
 
+class LinkButton;
+
 /// One line that tells how the last command went, with links to what it made.
 ///
 /// Texts are shown letter by letter, whatever they contain. What does not fit is left out at the end, and the tool tip
@@ -34,14 +36,13 @@ public:
 
 private:
     class Message;
-    class Link;
 
     void setMessage(const QString& text, bool error, std::vector<LinkTo> links);
 
     QString m_text;
     QWidget* m_errorSymbol;
     Message* m_message;
-    std::vector<Link*> m_links; ///< Of the present message.
+    std::vector<LinkButton*> m_links; ///< Of the present message.
 };
 
 } // namespace starbloom

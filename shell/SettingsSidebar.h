@@ -1,23 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/DelayedCalls.h"
-#include "persistence/files/WindowFrames.h"
-#include "persistence/stores/Stores.h"
-#include "shell/FrameKeeper.h"
-
-#include <QWidget>
+#include "engine/panel/ParameterTable.h"
+#include "shell/CompanionWindow.h"
 
 namespace starbloom {
 
 class SliderPanel;
 
-/// The window with the fourteen sliders, beside the main window. Hidden or shown, never rebuilt.
+/// The window with the fourteen sliders, beside the main window.
 ///
-/// Borrows the panel, which is its child while it lives and is handed back at the end. Where it is goes to the memory,
-/// for the next opening, and to the store, for the next run. All that it refers to must outlive it. Lives on the GUI
-/// thread. May throw StoreFailure out of the event loop, see KeyValueStore.
-class SettingsSidebar final : public QWidget {
+/// Borrows the panel, which is its child while it lives and is handed back at the end.
+class SettingsSidebar final : public CompanionWindow {
     Q_OBJECT
 
 public:
@@ -26,25 +20,13 @@ public:
     ~SettingsSidebar() override;
 
     /// Shows the window where it was, or else at its place by the main window. Does nothing while it is open.
-    void openSettings();
+    void openSettings() { open(); }
 
-signals:
-    /// It is about to be shown; its sliders may still be set.
-    void opening();
-    void opened();
-    void closed();
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
+    /// Opens the window if need be, and hands the keyboard to one of its sliders.
+    void showSlider(const ParameterRow& row);
 
 private:
-    void sidebarSaveFrame(const Frame& frame);
-
     SliderPanel& m_panel;
-    QWidget& m_mainWindow;
-    Stores& m_stores;
-    WindowFrameMemory& m_memory;
-    FrameKeeper m_keeper;
 };
 
 } // namespace starbloom

@@ -2,6 +2,7 @@
 #include "shell/SliderPanel.h"
 
 #include "shell/ButtonText.h"
+#include "shell/ParameterTexts.h"
 #include "ui_SliderPanel.h"
 #include "views/ParameterSlider.h"
 #include "views/Texts.h"
@@ -12,7 +13,6 @@
 #include <QStyle>
 
 #include <algorithm>
-#include <string>
 #include <string_view>
 
 namespace starbloom {
@@ -27,24 +27,9 @@ constexpr int sliderWidth = 72;
 /// Between the last row of a group and the next group's heading, beside the usual spacing. Points.
 constexpr int groupGap = 6;
 
-QString textFor(const ParameterRow& row, const char* kind) {
-    return textOf(std::string(row.name) + kind);
-}
-
 QString toolTipOf(const ParameterRow& row) {
     return qtTrId("settingsSliderToolTip")
         .arg(textFor(row, "Effect"), ParameterSlider::text(row, static_cast<float>(row.resetPosition)));
-}
-
-/// The key of the group that a parameter is in.
-const char* groupOf(Parameter parameter) {
-    if (parameter < Parameter::ExplodeLife) {
-        return "settingsGroupRocket";
-    }
-    if (parameter < Parameter::SparkleBirth) {
-        return "settingsGroupBurst";
-    }
-    return parameter < Parameter::AnimateSpeed ? "settingsGroupSparkle" : "settingsGroupAnimation";
 }
 
 } // namespace

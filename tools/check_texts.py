@@ -3,7 +3,7 @@
 """Checks that each text that the program asks for is in every string table, and that no table holds one too many.
 
 Keys are the literals in qtTrId("..."), the texts of the interface files, and the names of the parameters with Title,
-Effect or Unit behind; any other literal that is the same as a key counts as its use (keys in tables).
+Effect, Unit or Guide behind; any other literal that is the same as a key counts as its use (keys in tables).
 """
 
 import pathlib
@@ -18,7 +18,7 @@ def asked():
     """(keys that must exist, literals that may be keys)"""
     needed, literals = set(), set()
     for folder in ("shell", "views"):
-        for path in [*(ROOT / folder).glob("*.cpp"), *(ROOT / folder).glob("*.h")]:
+        for path in [*(ROOT / folder).rglob("*.cpp"), *(ROOT / folder).rglob("*.h")]:
             source = re.sub(r"^\s*//.*$", "", path.read_text(encoding="utf-8"), flags=re.MULTILINE)
             needed |= set(re.findall(r'qtTrId\("((?:[^"\\]|\\.)+)"\)', source))
             literals |= set(re.findall(r'"((?:[^"\\\n]|\\.)+)"', source))
@@ -28,7 +28,7 @@ def asked():
                 needed.add(text.text)
     table = (ROOT / "engine/panel/ParameterTable.h").read_text(encoding="utf-8")
     for name in re.findall(r'"(\w+Slider)"', table):
-        needed |= {name + kind for kind in ("Title", "Effect", "Unit")}
+        needed |= {name + kind for kind in ("Title", "Effect", "Unit", "Guide")}
     return needed, literals
 
 

@@ -216,5 +216,27 @@ Double-click to put it back to %2.</translation></message>
 <message id="movieRescueYes"><translation>&amp;Recover</translation></message>
 <message id="movieRescueNever"><translation>&amp;Delete It</translation></message>
 <message id="movieRescueLater"><translation>&amp;Later</translation></message>
+<!-- Guide -->
+<message id="emitterWindowTitle"><translation>Emitter Guide</translation></message>
+<message id="guideIntro"><translation>What each slider of the settings sidebar does. Each pair of pictures shows the same moment of the same show, with one slider at its lowest and at its highest position.</translation></message>
+<message id="guideLowest"><translation>Lowest: %1</translation></message>
+<message id="guideHighest"><translation>Highest: %1</translation></message>
+<message id="guidePictureName"><translation>%1 (%2)</translation></message>
+<message id="guideShowSlider"><translation>Show Slider</translation></message>
+<message id="guideShowSliderName"><translation>Show the slider “%1”</translation></message>
+<message id="rocketHeightSliderGuide"><translation>Where rockets start, below or above the bottom edge of the stage. Their bursts move up and down with it.</translation></message>
+<message id="rocketBirthSliderGuide"><translation>How many rockets rise each second. With few, each burst can be seen alone; with many, they fill the sky.</translation></message>
+<message id="rocketAngleSliderGuide"><translation>How wide the fan of rockets is. At 0° all of them go straight up, one behind the other.</translation></message>
+<message id="rocketVelocitySliderGuide"><translation>How fast rockets leave. All fly for the same time, so the faster they are, the higher they burst.</translation></message>
+<message id="rocketRangeSliderGuide"><translation>How much rockets differ in speed. At 0 all burst at about the same height; the more they differ, the lower some burst, and the higher others.</translation></message>
+<message id="rocketGravitySliderGuide"><translation>How strongly rockets are pulled down on their way. The stronger it is, the lower they burst.</translation></message>
+<message id="explodeLifeSliderGuide"><translation>How long the sparks of a burst glow. At its lowest only fresh bursts are seen; at its highest old ones hang in the sky and fade slowly.</translation></message>
+<message id="explodeVelocitySliderGuide"><translation>How fast bursts open, and so how large they grow.</translation></message>
+<message id="explodeRangeSliderGuide"><translation>How much the sparks of a burst differ in speed. At 0 they form a hollow shell; the more they differ, the more they fill it and spread beyond it.</translation></message>
+<message id="explodeGravitySliderGuide"><translation>How strongly bursts sink. At 0 they stay where they opened; at its highest they soon fall out of sight.</translation></message>
+<message id="sparkleBirthSliderGuide"><translation>Its position is saved and loaded with the others, but it changes nothing that can be seen.</translation></message>
+<message id="sparkleLifeSliderGuide"><translation>How long white sparkles go on flickering after a burst. At its lowest they have long gone out while the burst still glows.</translation></message>
+<message id="sparkleSizeSliderGuide"><translation>Its position is saved and loaded with the others, but it changes nothing that can be seen.</translation></message>
+<message id="animateSpeedSliderGuide"><translation>How fast time runs. 0 % stops every spark where it is, 100 % is natural, and 200 % is twice as fast. The pictures show the same burst a moment later.</translation></message>
 </context>
 </TS>

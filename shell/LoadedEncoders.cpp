@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/LoadedEncoders.h"
 
-#include <QCoreApplication>
-#include <QLibrary>
-
-#include <string>
 #include <utility>
 
 namespace starbloom {
 
 namespace {
-
-/// Where the module lies from the program's folder: in the build tree, and installed.
-constexpr const char* places[] = {"/starbloom-encoders.so", "/../" STARBLOOM_LIBDIR "/starbloom/starbloom-encoders.so"};
 
 /// A movie that cannot even be begun.
 class NoWriting final : public MovieWriting {
@@ -27,24 +20,11 @@ public:
 } // namespace
 
 Result<Encoders*> LoadedEncoders::loaded() {
-    const std::scoped_lock lock(m_mutex);
-    std::string reason;
-    for (const char* place : places) {
-        if (m_encoders != nullptr) {
-            break;
-        }
-        QLibrary module(QCoreApplication::applicationDirPath() + QLatin1String(place));
-        const auto entry = reinterpret_cast<EncodersEntry>(module.resolve("starbloomEncoders"));
-        if (entry != nullptr) {
-            m_encoders = entry(&log);
-        } else if (reason.empty()) {
-            reason = module.errorString().toStdString();
-        }
+    if (const auto module = m_module.load(); !module) {
+        return Error{"cannot load what writes pictures and movies; please install the program again: " +
+                     module.error().message};
     }
-    if (m_encoders == nullptr) {
-        return Error{"cannot load what writes pictures and movies; please install the program again: " + reason};
-    }
-    return m_encoders;
+    return m_module.door<EncodersEntry>()(&log);
 }
 
 void LoadedEncoders::prepare() {

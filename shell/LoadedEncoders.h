@@ -2,15 +2,13 @@
 #pragma once
 
 #include "export/Encoders.h"
-
-#include <mutex>
+#include "shell/LoadedModule.h"
 
 namespace starbloom {
 
 /// The encoders in a module of their own, which is loaded when the first of them is needed, or before, by prepare().
 ///
-/// The module lies beside the program, or where it was installed to. Where it is missing, each call fails and says so.
-/// Any thread.
+/// Where the module is missing, each call fails and says so. Any thread.
 class LoadedEncoders final : public Encoders {
 public:
     /// Loads the module. It takes some hundredths of a second, so it is best done on a worker, once the window is
@@ -27,8 +25,7 @@ public:
 private:
     Result<Encoders*> loaded();
 
-    std::mutex m_mutex;
-    Encoders* m_encoders = nullptr; ///< The module's; never unloaded.
+    LoadedModule m_module{"starbloom-encoders", "starbloomEncoders"};
 };
 
 } // namespace starbloom

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
 
+#include "shell/Menus.h"
 #include "shell/PreferencesWindow.h"
 #include "shell/Spark.h"
 #include "shell/StageSizeFields.h"
@@ -29,6 +30,7 @@ AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     , m_windowPlace(m_window, m_stores, m_frames, surroundings.calls)
     , m_sidebar(m_panel, m_window, m_stores, m_frames, surroundings.calls)
     , m_menuSnapshot(m_window.menus())
+    , m_menuCommands(m_window, m_menuSnapshot, m_surroundings)
     , m_backgroundWell(m_window.toolbar().colorWell(), m_folder.filePath6(), surroundings.calls,
                        [this](const Color& color) { m_controller.setBackgroundColor(color); })
     , m_exports({m_window, m_stage, m_controller, m_panel}, m_surroundings, m_folder, m_stores, m_menuSnapshot) {}
@@ -129,6 +131,10 @@ void AppDelegate::connectCommands() {
         on(*action, [this] { m_sidebar.openSettings(); });
     }
     on(menus.action(Command::EmitterReset), [this] { m_controller.resetSliders(); });
+    on(menus.action(Command::AppSavesettings), [this] { saveSettings(); });
+    on(menus.action(Command::AppLoadsettings), [this] { loadSettings(); });
+    on(menus.action(Command::AppDefaultsettings), [this] { defaultSettings(); });
+    m_window.menus().validateBy([this] { return m_preferences != nullptr && m_preferences->isPreferencesOpen(); });
 
     // One switch with two faces.
     QAction& animation = menus.action(Command::EmitterAnimation);

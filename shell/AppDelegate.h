@@ -10,7 +10,7 @@
 #include "shell/BackgroundWell.h"
 #include "shell/Exports.h"
 #include "shell/MainWindow.h"
-#include "shell/Menus.h"
+#include "shell/MenuCommands.h"
 #include "shell/SettingsSidebar.h"
 #include "shell/SliderPanel.h"
 #include "shell/StorePresets.h"
@@ -27,7 +27,7 @@ class PreferencesWindow;
 
 /// Owns the parts of the desktop application and wires them; the work is theirs. One lives for the whole run.
 ///
-///     AppDelegate app(AppFolder(dataHome), {calls, filePanel, documents, fileManager, encoders, seed});
+///     AppDelegate app(AppFolder(dataHome), {calls, filePanel, documents, fileManager, encoders, printSystem, seed});
 ///     app.launch();
 ///     return QApplication::exec();
 ///
@@ -73,6 +73,13 @@ private:
     void closeCompanions();
     bool isSwitchOn(int number) const;
 
+    // Commands that can be given and have no effect: the settings are saved and loaded in their own window.
+    void saveSettings() {}
+
+    void loadSettings() {}
+
+    void defaultSettings() {}
+
     // In the order in which they are built. What is kept on disk comes first, the rest refers to it. The controller
     // keeps references to the panel and the stage and hands its layers to the stage at once; the windows borrow both
     // widgets. Destroyed the other way round, the windows give the widgets back before they go, and nothing is left
@@ -90,6 +97,7 @@ private:
     WindowPlace m_windowPlace;
     SettingsSidebar m_sidebar;
     MenuSnapshot m_menuSnapshot;
+    MenuCommands m_menuCommands;
     BackgroundWell m_backgroundWell;
     Exports m_exports;
     std::unique_ptr<PreferencesWindow> m_preferences; ///< Nothing until it is opened for the first time.

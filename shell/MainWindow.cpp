@@ -17,6 +17,9 @@ namespace starbloom {
 
 namespace {
 
+/// Of menus and toolbar. Points.
+constexpr int chromeHeight = 82;
+
 constexpr QSize defaultStage{static_cast<int>(defaultStageSize.width), static_cast<int>(defaultStageSize.height)};
 
 } // namespace
@@ -47,6 +50,9 @@ ResultLine& MainWindow::resultLine() const {
 void MainWindow::connectWindowCommands() {
     connect(&m_menus->action(Command::AppQuit), &QAction::triggered, this, &QWidget::close);
     connect(&m_menus->action(Command::WindowMinimize), &QAction::triggered, this, &QWidget::showMinimized);
+    connect(&m_menus->action(Command::WindowZoom), &QAction::triggered, this, &MainWindow::showZoomed);
+    m_menus->action(Command::ToolbarShow).setChecked(true);
+    connect(&m_menus->action(Command::ToolbarShow), &QAction::triggered, this, &MainWindow::showToolbar);
     connect(&m_menus->action(Command::WindowFullscreen), &QAction::triggered, this, &MainWindow::showFullScreen);
     connect(m_leaveFullScreen, &QShortcut::activated, this, [this] { showFullScreen(false); });
     connect(&m_toolbar->sizeFields(), &StageSizeFields::sizeTyped, this, &MainWindow::setFireworksViewSize);
@@ -67,6 +73,15 @@ void MainWindow::setFireworksViewSize(const QSize& stage) {
 
 void MainWindow::showFullScreen(bool full) {
     setWindowState(windowState().setFlag(Qt::WindowFullScreen, full));
+}
+
+void MainWindow::showZoomed(bool zoomed) {
+    setWindowState(windowState().setFlag(Qt::WindowMaximized, zoomed));
+}
+
+void MainWindow::showToolbar(bool visible) {
+    m_ui->toolBar->setVisible(visible);
+    m_ui->chrome->setFixedHeight(visible ? chromeHeight : m_ui->menuBar->sizeHint().height());
 }
 
 void MainWindow::changeEvent(QEvent* event) {
@@ -94,6 +109,8 @@ void MainWindow::followWindowState() {
     // From here and not from the command: the desktop has its own ways into full screen and out of it.
     const bool full = isFullScreen();
     m_menus->action(Command::WindowFullscreen).setChecked(full);
+    m_menus->action(Command::WindowZoom).setChecked(isMaximized());
+    m_menus->action(Command::WindowZoom).setEnabled(!full); // There is nothing larger.
     m_leaveFullScreen->setEnabled(full);
     m_ui->chrome->setVisible(!full);
     m_ui->resultLine->setVisible(!full);

@@ -23,7 +23,8 @@ class Toolbar;
 /// The window: menus and toolbar, the stage below them, and under it a line with what was done last.
 ///
 /// Its size is the stage's and a fixed border around it: 82 points for menus and toolbar, 5 at the left, right and
-/// bottom of the stage, 22 for the line. In full screen only the stage is left, Escape leads back.
+/// bottom of the stage, 22 for the line. Without its toolbar the window stays as large, and the stage takes the room.
+/// In full screen only the stage is left, Escape leads back.
 ///
 /// Borrows the stage: it is a child of the window while that lives and is handed back, without a parent, when it is
 /// destroyed; it must outlive the window. Lives on the GUI thread.
@@ -61,6 +62,8 @@ protected:
 private:
     void connectWindowCommands();
     void showFullScreen(bool full);
+    void showZoomed(bool zoomed);
+    void showToolbar(bool visible);
     void followWindowState();
 
     std::unique_ptr<Ui::MainWindow> m_ui;

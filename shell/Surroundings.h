@@ -6,6 +6,7 @@
 #include "persistence/files/FilePanel.h"
 #include "persistence/stores/Stores.h"
 #include "shell/FileManager.h"
+#include "shell/PrintSystem.h"
 #include "views/StageView.h"
 
 #include <cstdint>
@@ -20,6 +21,7 @@ struct Surroundings {
     const DocumentsFolder& documents;
     FileManager& fileManager;
     Encoders& encoders;
+    PrintSystem& printSystem;
     std::uint64_t seed;
     StageView::ClockSource clock = StageView::steadyClock; ///< The stage's.
 };

@@ -5,6 +5,7 @@
 #include "shell/DesktopFilePanel.h"
 #include "shell/FileManager.h"
 #include "shell/LoadedEncoders.h"
+#include "shell/LoadedPrintSystem.h"
 #include "shell/LogCategories.h"
 #include "shell/QtDelayedCalls.h"
 #include "shell/ShowSeed.h"
@@ -130,8 +131,9 @@ int main(int argc, char** argv) {
     const DesktopDocuments documents;
     starbloom::DesktopFileManager fileManager;
     starbloom::LoadedEncoders encoders;
-    starbloom::AppDelegate delegate(applicationFolder(),
-                                    {calls, filePanel, documents, fileManager, encoders, starbloom::chooseShowSeed()});
+    starbloom::LoadedPrintSystem printSystem;
+    starbloom::AppDelegate delegate(applicationFolder(), {calls, filePanel, documents, fileManager, encoders,
+                                                          printSystem, starbloom::chooseShowSeed()});
     // From within the event loop, where the application catches what a failing store throws.
     QMetaObject::invokeMethod(
         &application, [&delegate] { delegate.launch(); }, Qt::QueuedConnection);

@@ -7,6 +7,7 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace starbloom {
@@ -24,6 +25,25 @@ public:
     FilePanelRequest asked;
 };
 
+/// Shows no panel: what it was asked for is over when the test says so. Or it has no printer.
+class PreparedPrintSystem final : public PrintSystem {
+public:
+    bool printPlain(QWidget&, Finished done) override { return begin("page", std::move(done)); }
+
+    bool setUpPage(QWidget&, Finished done) override { return begin("setup", std::move(done)); }
+
+    bool available = true;
+    std::string asked;
+    Finished finished;
+
+private:
+    bool begin(const char* what, Finished done) {
+        asked = what;
+        finished = std::move(done);
+        return available;
+    }
+};
+
 /// What a whole application needs in a test: a clock moved by hand, prepared answers, a folder for everything.
 class PreparedSurroundings final : public DocumentsFolder, public FileManager {
 public:
@@ -31,7 +51,7 @@ public:
         : m_documents(home.path()) {}
 
     Surroundings with(StageView::ClockSource clock = StageView::steadyClock) {
-        return {calls, panel, *this, *this, encoders, 20, std::move(clock)};
+        return {calls, panel, *this, *this, encoders, printSystem, 20, std::move(clock)};
     }
 
     std::filesystem::path documentsFolder() const override { return m_documents; }
@@ -43,6 +63,7 @@ public:
     HandDrivenCalls calls;
     PreparedPanel panel;
     LoadedEncoders encoders;
+    PreparedPrintSystem printSystem;
     std::filesystem::path shown; ///< What the user was last shown, and
     QUrl opened;                 ///< what was opened.
 

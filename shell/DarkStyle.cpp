@@ -21,10 +21,25 @@ constexpr double groupContrast = 1.6;
 /// Between a group's title and its frame. Points.
 constexpr int titleGap = 3;
 
+/// Between the edge of a menu and the line between two groups. Points.
+constexpr int separatorInset = 5;
+
 } // namespace
 
 DarkStyle::DarkStyle()
     : ProgramStyle(QStringLiteral("Fusion")) {}
+
+void DarkStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                            const QWidget* widget) const {
+    QProxyStyle::drawControl(element, option, painter, widget);
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element == CE_MenuItem && item != nullptr && item->menuItemType == QStyleOptionMenuItem::Separator) {
+        // The style's own line is darker than the menu, which is hardly possible here.
+        const QRect line(item->rect.left() + separatorInset, item->rect.center().y(),
+                         item->rect.width() - 2 * separatorInset, 1);
+        painter->fillRect(line, windowColor(item->palette, item->palette.color(QPalette::Base), groupContrast));
+    }
+}
 
 void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                               const QWidget* widget) const {
@@ -59,6 +74,12 @@ void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
     }
     painter->drawRoundedRect(outline, 2.0, 2.0);
     painter->restore();
+}
+
+int DarkStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                         QStyleHintReturn* answer) const {
+    // A light edge below disabled texts is a shadow where the ground is light; in the dark it blurs them.
+    return hint == SH_EtchDisabledText ? 0 : QProxyStyle::styleHint(hint, option, widget, answer);
 }
 
 } // namespace starbloom

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/Menus.h"
+#include "shell/HelpCommands.h"
 #include "shell/LoadedPrintSystem.h"
 #include "tests/shell/PreparedSurroundings.h"
 #include "tests/support/TemporaryFolder.h"
@@ -287,6 +288,23 @@ TEST_F(MenuCommandsTest, HelpAsksFirstAndGivesTheMenusBackWhateverTheAnswer) {
             EXPECT_TRUE(action(item).isEnabled() && action("fileOpen").isEnabled());
             EXPECT_FALSE(action("fileSave").isEnabled());
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+}
+
+TEST_F(MenuCommandsTest, HelpTakesOnlyItsTwoButtonsForAnAnswer) {
+    MenuSnapshot snapshot(app.window().menus());
+    HelpCommands help(app.window(), snapshot, around);
+    for (const auto end : {&HelpCommands::endOfAlert10, &HelpCommands::endOfAlert100, &HelpCommands::endOfAlert101}) {
+        for (const int button : {1000, 1001}) {
+            around.opened.clear();
+            snapshot.saveMenuStatus();
+            (help.*end)(999);
+            (help.*end)(1002);
+            EXPECT_FALSE(action("helpSupport").isEnabled() || around.opened.isValid());
+            (help.*end)(button);
+            EXPECT_TRUE(action("helpSupport").isEnabled());
+            EXPECT_EQ(around.opened.isValid(), button == 1000 && end != &HelpCommands::endOfAlert10);
         }
     }
 }

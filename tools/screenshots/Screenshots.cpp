@@ -21,6 +21,8 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QRegularExpression>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTranslator>
@@ -103,6 +105,14 @@ void waitFor(const char* what, Condition condition) {
     QCoreApplication::processEvents();
 }
 
+/// Has no printer, so that the alert shows.
+class NoPrinting final : public PrintSystem {
+public:
+    bool printPlain(QWidget&, Finished) override { return false; }
+
+    bool setUpPage(QWidget&, Finished) override { return false; }
+};
+
 /// Leads the application from window to window and takes the pictures.
 class Tour {
 public:
@@ -110,8 +120,8 @@ public:
         : m_folder(std::move(folder))
         , m_suffix(std::move(suffix))
         , m_desktop(home / "pictures")
-        , m_app(AppFolder(home / "data"),
-                {m_calls, m_desktop, m_desktop, m_desktop, m_encoders, showSeed, [this] { return m_now; }}) {
+        , m_app(AppFolder(home / "data"), {m_calls, m_desktop, m_desktop, m_desktop, m_encoders, m_printing, showSeed,
+                                           [this] { return m_now; }}) {
         std::filesystem::create_directories(home / "data");
         std::filesystem::create_directories(home / "pictures");
     }
@@ -125,6 +135,10 @@ public:
         takeExportWindow();
         takeMovieWindow();
         takeColorDialog();
+        takeAlert("helpSupport", "supportAlert");
+        takeAlert("helpUserguide", "userguideAlert");
+        takeAlert("filePrint", "printAlert");
+        takeAlert("appAbout", "aboutBox");
         takeSmallWindow();
     }
 
@@ -172,11 +186,14 @@ private:
     }
 
     void takeMenus() {
-        for (const QAction* title : find<QMenuBar>("menuBar").actions()) {
-            QMenu& menu = *title->menu();
-            menu.popup(m_app.window().geometry().topLeft());
-            take("menu-" + menu.objectName().toStdString(), menu);
-            menu.close();
+        const QRegularExpression allMenus(QStringLiteral("Menu$"));
+        for (QMenu* each : find<QMenuBar>("menuBar").findChildren<QMenu*>(allMenus)) {
+            if (each->isEmpty()) {
+                continue;
+            }
+            each->popup(m_app.window().geometry().topLeft());
+            take("menu-" + each->objectName().toStdString(), *each);
+            each->close();
         }
     }
 
@@ -215,6 +232,13 @@ private:
         window.close();
     }
 
+    void takeAlert(const char* command, const char* name) {
+        find<QAction>(command).trigger();
+        auto& box = find<QMessageBox>(name);
+        take(name, box);
+        box.close();
+    }
+
     void takeColorDialog() {
         find<QAbstractButton>("colorWellT1").click();
         auto* dialog = m_app.window().findChild<QColorDialog*>();
@@ -248,6 +272,7 @@ private:
     QtDelayedCalls m_calls;
     Desktop m_desktop;
     LoadedEncoders m_encoders;
+    NoPrinting m_printing;
     AppDelegate m_app;
 };
 

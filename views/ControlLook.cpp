@@ -158,6 +158,12 @@ void paintFocusRing(QPainter& painter, const QRectF& rect, const QPalette& palet
     paintRing(painter, onPixels(painter, rect), cornerRadius + width / 2.0, width, color);
 }
 
+void paintPanel(QPainter& painter, const QRectF& rect, double radius, const QColor& ground, const QColor& border) {
+    const QRectF frame = onPixels(painter, rect);
+    paintFilled(painter, frame, radius, ground);
+    paintRing(painter, frame, radius, lineWidth(painter, 1.0), border);
+}
+
 QString plainToolTip(const QString& text) {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }

@@ -56,6 +56,9 @@ void paintHovered(QPainter& painter, const QRectF& rect, const QPalette& palette
 
 void paintFocusRing(QPainter& painter, const QRectF& rect, const QPalette& palette);
 
+/// A ground with round corners, and a thin border along its inside, which may let the ground shine through.
+void paintPanel(QPainter& painter, const QRectF& rect, double radius, const QColor& ground, const QColor& border);
+
 /// A tool tip that shows the text letter by letter, even one that looks like HTML.
 QString plainToolTip(const QString& text);
 

@@ -3,10 +3,12 @@
 
 #include "engine/model/FireworksTree.h"
 #include "shell/Menus.h"
+#include "shell/StageRoom.h"
 #include "shell/StageSizeFields.h"
 #include "shell/Toolbar.h"
 #include "ui_MainWindow.h"
 #include "views/StageView.h"
+#include "views/backgrounds/BackgroundViews.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -28,7 +30,8 @@ MainWindow::MainWindow(StageView& stage, DelayedCalls& calls)
     : m_ui(std::make_unique<Ui::MainWindow>())
     , m_stage(stage) {
     m_ui->setupUi(this);
-    m_ui->stageLayout->addWidget(&m_stage);
+    m_ui->stageScroll->setViewport(new BackgroundView5); // Seen beside a stage that does not fill the window.
+    m_stageRoom = new StageRoom(*m_ui->stageScroll, m_stage, calls);
     m_stage.installEventFilter(this);
     setMinimumSize(StageView::minimumStage + border);
     m_menus = new Menus(*m_ui->menuBar, *this);
@@ -68,7 +71,10 @@ void MainWindow::setFireworksViewSize(const QSize& stage) {
     if (isMaximized() || isFullScreen()) {
         showNormal(); // Else the desktop would go on deciding the size.
     }
-    resize(stage + border);
+    m_stageRoom->ask(stage);
+    // Edges that no screen shows could not be taken hold of.
+    resize((stage + border).boundedTo(screen()->availableVirtualSize() - (frameGeometry().size() - size())));
+    m_stageRoom->fit();
 }
 
 void MainWindow::showFullScreen(bool full) {
@@ -115,6 +121,7 @@ void MainWindow::followWindowState() {
     m_ui->chrome->setVisible(!full);
     m_ui->resultLine->setVisible(!full);
     const int side = (border.width()) / 2;
+    m_stageRoom->setFullScreen(full);
     m_ui->stageLayout->setContentsMargins(full ? QMargins() : QMargins(side, 0, side, side));
 }
 

@@ -17,6 +17,7 @@ namespace starbloom {
 
 class Menus;
 class ResultLine;
+class StageRoom;
 class StageView;
 class Toolbar;
 
@@ -25,6 +26,7 @@ class Toolbar;
 /// Its size is the stage's and a fixed border around it: 82 points for menus and toolbar, 5 at the left, right and
 /// bottom of the stage, 22 for the line. Without its toolbar the window stays as large, and the stage takes the room.
 /// In full screen only the stage is left, Escape leads back.
+/// A stage that was asked to be larger than the window can be is scrolled over, see StageRoom.
 ///
 /// Borrows the stage: it is a child of the window while that lives and is handed back, without a parent, when it is
 /// destroyed; it must outlive the window. Lives on the GUI thread.
@@ -41,7 +43,8 @@ public:
     /// Gives the window the size at which the stage has its default one, or what fits on the screen.
     void takeInitialSize();
 
-    /// Gives the window the size at which the stage has this one; its top edge stays where it is.
+    /// Gives the stage this size, and the window the size that it then has, or what the desktop grants; its top edge
+    /// stays where it is.
     void setFireworksViewSize(const QSize& stage);
 
     Menus& menus() const { return *m_menus; }
@@ -68,6 +71,7 @@ private:
 
     std::unique_ptr<Ui::MainWindow> m_ui;
     StageView& m_stage;
+    StageRoom* m_stageRoom;
     Menus* m_menus;
     Toolbar* m_toolbar;
     QShortcut* m_leaveFullScreen;

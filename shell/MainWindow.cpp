@@ -72,9 +72,19 @@ void MainWindow::setFireworksViewSize(const QSize& stage) {
         showNormal(); // Else the desktop would go on deciding the size.
     }
     m_stageRoom->ask(stage);
-    // Edges that no screen shows could not be taken hold of.
-    resize((stage + border).boundedTo(screen()->availableVirtualSize() - (frameGeometry().size() - size())));
+    resize(windowSizeFor(stage));
     m_stageRoom->fit();
+}
+
+QSize MainWindow::windowSizeFor(const QSize& stage) const {
+    // Edges that no screen shows could not be taken hold of.
+    const QSize most = screen()->availableVirtualSize() - (frameGeometry().size() - size());
+    const QSize bars = m_ui->stageScroll->barsSize();
+    QSize wanted = stage + border;
+    const bool sideways = wanted.width() > most.width();
+    const bool vertical = wanted.height() > most.height();
+    wanted += QSize(vertical ? bars.width() : 0, sideways ? bars.height() : 0); // One bar need not bring the other.
+    return wanted.boundedTo(most);
 }
 
 void MainWindow::showFullScreen(bool full) {

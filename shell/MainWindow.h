@@ -64,6 +64,7 @@ protected:
 
 private:
     void connectWindowCommands();
+    QSize windowSizeFor(const QSize& stage) const;
     void showFullScreen(bool full);
     void showZoomed(bool zoomed);
     void showToolbar(bool visible);

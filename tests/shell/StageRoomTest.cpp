@@ -59,6 +59,7 @@ TEST_F(StageRoomTest, ASizeThatNoScreenHasIsScrolledOverUntilAnotherOneIsTyped) 
     EXPECT_EQ(stageSize(), QSize(3000, 480));
     EXPECT_LE(window.frameGeometry().width(), QGuiApplication::primaryScreen()->availableVirtualSize().width());
     EXPECT_TRUE(hasBars());
+    EXPECT_FALSE(clipView.verticalScrollBar()->isVisible());
     calls.advance(1s);
     EXPECT_EQ(stageSize(), QSize(3000, 480));
     EXPECT_EQ(stage.capture().image.width(), 3000); // What an export takes.

@@ -104,12 +104,15 @@ void ClipView::setRanges() {
 
 QSize ClipView::roomBesideBars(const QSize& document) const {
     const QSize all = maximumViewportSize();
-    const int right = verticalScrollBar()->sizeHint().width();
-    const int below = horizontalScrollBar()->sizeHint().height();
+    const QSize bars = barsSize();
     bool sideways = document.width() > all.width();
-    const bool vertical = document.height() > all.height() - (sideways ? below : 0);
-    sideways = sideways || document.width() > all.width() - (vertical ? right : 0);
-    return all - QSize(vertical ? right : 0, sideways ? below : 0);
+    const bool vertical = document.height() > all.height() - (sideways ? bars.height() : 0);
+    sideways = sideways || document.width() > all.width() - (vertical ? bars.width() : 0);
+    return all - QSize(vertical ? bars.width() : 0, sideways ? bars.height() : 0);
+}
+
+QSize ClipView::barsSize() const {
+    return {verticalScrollBar()->sizeHint().width(), horizontalScrollBar()->sizeHint().height()};
 }
 
 void ClipView::frameChanged() {

@@ -28,6 +28,9 @@ public:
     /// Where the bottom left corner of what is shown lies in the document.
     QPointF boundsOrigin() const;
 
+    /// What the scroll bars take of the view's width and height while they are needed.
+    QSize barsSize() const;
+
     /// Shows what lies at an origin, or as near to it as the rule allows.
     void scrollTo(const QPointF& proposed);
 

@@ -12,9 +12,6 @@ namespace starbloom {
 
 namespace {
 
-/// What guidelines for accessibility ask of the parts of a control.
-constexpr double outlineContrast = 3.0;
-
 /// A group box holds others together and is no control: it may be quieter.
 constexpr double groupContrast = 1.6;
 
@@ -56,8 +53,8 @@ void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         }
     }
     const bool focused = (option->state & State_HasFocus) != 0 && element != PE_IndicatorCheckBox;
-    const QColor plain = windowColor(option->palette, option->palette.color(QPalette::Window),
-                                     isField ? outlineContrast : groupContrast);
+    const QColor plain =
+        windowColor(option->palette, option->palette.color(QPalette::Window), isField ? shapeContrast : groupContrast);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(QPen(focused ? option->palette.color(QPalette::Highlight) : plain, 1.0));

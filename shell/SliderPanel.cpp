@@ -4,10 +4,13 @@
 #include "shell/ButtonText.h"
 #include "shell/ParameterTexts.h"
 #include "ui_SliderPanel.h"
+#include "views/ControlLook.h"
+#include "views/PanelBox.h"
 #include "views/ParameterSlider.h"
 #include "views/Texts.h"
 
 #include <QEvent>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QStyle>
@@ -19,13 +22,11 @@ namespace starbloom {
 
 namespace {
 
-enum Column { NameColumn, SliderColumn, ValueColumn, ColumnCount };
+enum Column { NameColumn, SliderColumn, ValueColumn };
 
 /// The least at which the steps of a slider can still be aimed at. Points.
 constexpr int sliderWidth = 72;
 
-/// Between the last row of a group and the next group's heading, beside the usual spacing. Points.
-constexpr int groupGap = 6;
 
 QString toolTipOf(const ParameterRow& row) {
     return qtTrId("settingsSliderToolTip")
@@ -41,31 +42,33 @@ SliderPanel::SliderPanel(QWidget* parent)
     connect(m_ui->resetButton, &QPushButton::clicked, this, &SliderPanel::resetRequested);
     connect(m_ui->loadButton6, &QPushButton::clicked, this, &SliderPanel::loadRequested);
     connect(m_ui->saveButton6, &QPushButton::clicked, this, &SliderPanel::saveRequested);
-    m_ui->grid->setColumnMinimumWidth(SliderColumn, sliderWidth);
     const char* group = "";
+    QGridLayout* grid = nullptr;
     for (const ParameterRow& parameter : parameterTable) {
         if (std::string_view(groupOf(parameter.parameter)) != group) {
             group = groupOf(parameter.parameter);
-            addGroup(textOf(group));
+            grid = &addGroup(textOf(group));
         }
-        addRow(parameter, textOf(group));
+        addRow(parameter, textOf(group), *grid);
     }
-    m_ui->grid->setRowStretch(m_ui->grid->rowCount(), 1);
+    m_ui->groups->addStretch(1);
 }
 
 SliderPanel::~SliderPanel() = default;
 
-void SliderPanel::addGroup(const QString& title) {
-    auto* heading = new QLabel(title);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
-    const int line = m_ui->grid->rowCount();
-    heading->setContentsMargins(0, line > 1 ? groupGap : 0, 0, 0);
-    m_ui->grid->addWidget(heading, line, NameColumn, 1, ColumnCount);
+QGridLayout& SliderPanel::addGroup(const QString& title) {
+    auto* box = new PanelBox;
+    box->setTitle(title);
+    auto& grid = *new QGridLayout(box);
+    grid.setContentsMargins(usualSpacing, usualSpacing, usualSpacing, usualSpacing);
+    grid.setSpacing(usualSpacing);
+    grid.setColumnMinimumWidth(SliderColumn, sliderWidth);
+    grid.setColumnStretch(SliderColumn, 1);
+    m_ui->groups->addWidget(box);
+    return grid;
 }
 
-void SliderPanel::addRow(const ParameterRow& parameter, const QString& group) {
+void SliderPanel::addRow(const ParameterRow& parameter, const QString& group, QGridLayout& grid) {
     auto* slider = new ParameterSlider(parameter);
     auto* name = new QLabel(textFor(parameter, "Title"));
     auto* value = new QLabel;
@@ -87,10 +90,10 @@ void SliderPanel::addRow(const ParameterRow& parameter, const QString& group) {
     connect(slider, &ParameterSlider::positionChanged, value, showValue);
     connect(slider, &ParameterSlider::moved, this, &SliderPanel::moved);
 
-    const int line = m_ui->grid->rowCount();
-    m_ui->grid->addWidget(name, line, NameColumn);
-    m_ui->grid->addWidget(slider, line, SliderColumn);
-    m_ui->grid->addWidget(value, line, ValueColumn);
+    const int line = grid.rowCount();
+    grid.addWidget(name, line, NameColumn);
+    grid.addWidget(slider, line, SliderColumn);
+    grid.addWidget(value, line, ValueColumn);
     m_rows[static_cast<std::size_t>(parameter.parameter)] = {name, slider, value};
 }
 
@@ -142,7 +145,9 @@ void SliderPanel::showEvent(QShowEvent* event) {
 }
 
 void SliderPanel::fitWidth() {
+    // Each group has a grid; columns of equal widths make one of all.
     int widest = 0;
+    int widestName = 0;
     QLabel sample;
     sample.setFont(font());
     for (const ParameterRow& parameter : parameterTable) {
@@ -152,6 +157,10 @@ void SliderPanel::fitWidth() {
         }
     }
     for (const Row& row : m_rows) {
+        widestName = std::max(widestName, row.name->sizeHint().width());
+    }
+    for (const Row& row : m_rows) {
+        row.name->setMinimumWidth(widestName);
         row.value->setMinimumWidth(widest);
     }
     // With room for the scroll bar at all times: when it comes, sliders get shorter, and no text moves out of sight.

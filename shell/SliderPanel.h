@@ -8,6 +8,7 @@
 #include <array>
 #include <memory>
 
+class QGridLayout;
 class QLabel;
 
 namespace Ui {
@@ -68,8 +69,8 @@ private:
         QLabel* value = nullptr;
     };
 
-    void addGroup(const QString& title);
-    void addRow(const ParameterRow& parameter, const QString& group);
+    QGridLayout& addGroup(const QString& title);
+    void addRow(const ParameterRow& parameter, const QString& group, QGridLayout& grid);
     void fitWidth();
 
     const Row& rowOf(Parameter parameter) const { return m_rows[static_cast<std::size_t>(parameter)]; }

@@ -28,9 +28,6 @@ constexpr double hoveredPart = 0.06;
 constexpr double pressedPart = 0.16;
 constexpr double chosenAndDisabledPart = 0.18;
 
-/// Of the contrast of what is no text, but must be seen.
-constexpr double shapeContrast = 3.0;
-
 QColor mix(const QColor& from, const QColor& to, double part) {
     const auto channel = [part](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * part)); };
     return {channel(from.red(), to.red()), channel(from.green(), to.green()), channel(from.blue(), to.blue())};

@@ -20,8 +20,14 @@ constexpr double disabledOpacity = 0.4;
 /// How high a control of the toolbar is.
 constexpr int controlHeight = 32;
 
-/// The least contrast of text with what is behind it.
+/// The distances between things, in points: what belongs together, the usual one, and around windows and panels.
+constexpr int smallSpacing = 4;
+constexpr int usualSpacing = 8;
+constexpr int wideSpacing = 12;
+
+/// The least contrast with what is behind it: of text, and of what is no text, but must be seen.
 constexpr double textContrast = 4.5;
+constexpr double shapeContrast = 3.0;
 
 struct ControlState {
     bool enabled = true;

@@ -39,7 +39,8 @@ QFont PanelBox::titleFont() const {
 }
 
 int PanelBox::titleHeight() const {
-    return title().isEmpty() ? 0 : QFontMetrics(titleFont()).height() + smallSpacing;
+    // Not of the bold font: it is as high, and to open a font takes time.
+    return title().isEmpty() ? 0 : fontMetrics().height() + smallSpacing;
 }
 
 QSize PanelBox::minimumSizeHint() const {
@@ -54,8 +55,9 @@ bool PanelBox::event(QEvent* event) {
     if (const QMargins margins(0, titleHeight(), 0, 0); contentsMargins() != margins) {
         setContentsMargins(margins);
     }
-    if (event->type() == QEvent::Polish || event->type() == QEvent::ParentChange ||
-        (event->type() == QEvent::PaletteChange && testAttribute(Qt::WA_WState_Polished))) {
+    m_seen = m_seen || event->type() == QEvent::Show;
+    if (m_seen && (event->type() == QEvent::Show || event->type() == QEvent::ParentChange ||
+                   event->type() == QEvent::PaletteChange)) {
         takeColors();
     }
     return result;

@@ -27,6 +27,8 @@ private:
     int titleHeight() const;
     QPalette paletteBehind() const;
     void takeColors();
+
+    bool m_seen = false; ///< Before, no colours are computed.
 };
 
 } // namespace starbloom

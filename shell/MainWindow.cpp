@@ -31,6 +31,7 @@ MainWindow::MainWindow(StageView& stage, DelayedCalls& calls)
     , m_stage(stage) {
     m_ui->setupUi(this);
     m_ui->stageScroll->setViewport(new BackgroundView5); // Seen beside a stage that does not fill the window.
+    m_ui->stageScroll->setAccessibleName(m_stage.accessibleName()); // It has the focus when there is what to scroll.
     m_stageRoom = new StageRoom(*m_ui->stageScroll, m_stage, calls);
     m_stage.installEventFilter(this);
     setMinimumSize(StageView::minimumStage + border);

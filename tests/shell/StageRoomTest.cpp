@@ -63,6 +63,10 @@ TEST_F(StageRoomTest, ASizeThatNoScreenHasIsScrolledOverUntilAnotherOneIsTyped) 
     calls.advance(1s);
     EXPECT_EQ(stageSize(), QSize(3000, 480));
     EXPECT_EQ(stage.capture().image.width(), 3000); // What an export takes.
+    const QImage unfocused = window.grab().toImage();
+    window.setAttribute(Qt::WA_KeyboardFocusChange); // As the tab key does.
+    clipView.setFocus();
+    EXPECT_NE(window.grab().toImage().pixelColor(3, 300), unfocused.pixelColor(3, 300)); // The focus ring.
     clipView.horizontalScrollBar()->setValue(100);
     EXPECT_EQ(stagePlace().x(), 5 - 100);
     window.resize(window.width(), 800); // Now it is too low for its window.

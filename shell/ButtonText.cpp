@@ -14,16 +14,13 @@ namespace {
 constexpr QColor darkFace(38, 42, 48);
 constexpr QColor lightFace(250, 250, 250);
 
-/// What text of the usual size needs.
-constexpr double enoughContrast = 4.5;
-
 } // namespace
 
 void setButtonText(const QColor& color, QPushButton& button, const QFont& font) {
     QPalette palette = QApplication::palette(&button);
     palette.setColor(QPalette::Active, QPalette::ButtonText, color);
     palette.setColor(QPalette::Inactive, QPalette::ButtonText, color);
-    if (contrast(color, palette.color(QPalette::Button)) < enoughContrast) {
+    if (contrast(color, palette.color(QPalette::Button)) < textContrast) {
         const QColor face = contrast(color, darkFace) >= contrast(color, lightFace) ? darkFace : lightFace;
         palette.setColor(QPalette::Button, face);
     }

@@ -81,8 +81,8 @@ ResultLine::ResultLine(QWidget* parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMinimumHeight(lineHeight);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(8, 0, 8, 0);
-    row->setSpacing(5);
+    row->setContentsMargins(usualSpacing, 0, usualSpacing, 0);
+    row->setSpacing(smallSpacing);
     row->addWidget(m_errorSymbol);
     row->addWidget(m_message);
     row->addStretch(1);

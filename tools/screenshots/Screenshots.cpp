@@ -247,6 +247,9 @@ private:
     }
 
     void takeSmallWindow() {
+        // A window that becomes smaller just after a size was typed keeps the stage at that size.
+        const QDeadlineTimer answered(1s);
+        waitFor("the size typed last", [&] { return answered.hasExpired(); });
         m_app.window().resize(m_app.window().minimumSize());
         take("main-window-least-size", m_app.window());
     }

@@ -22,6 +22,15 @@ QString windowTitleOf(const FilePanelRequest& request) {
     return parts.join(QStringLiteral(" – "));
 }
 
+/// Such as "Pictures (*.bmp *.jpg)". Patterns hold for capitals, too.
+QString filterOf(const FilePanelRequest& request) {
+    QStringList patterns;
+    for (const std::string& type : request.types) {
+        patterns.append(QStringLiteral("*.") + QString::fromStdString(type));
+    }
+    return QStringLiteral("%1 (%2)").arg(QString::fromStdString(request.typesName), patterns.join(u' '));
+}
+
 /// Sees to it that a new file has its extension before it is asked whether a file of that name may be replaced: the
 /// dialog itself adds one only to names without any dot.
 class SuffixedDialog : public QFileDialog {
@@ -58,6 +67,9 @@ QFileDialog* makeDialog(const FilePanelRequest& request, QWidget* parent) {
     dialog->setOption(QFileDialog::ReadOnly, !request.canCreateFolders);
     if (request.startFolder) {
         dialog->setDirectory(QFile::decodeName(request.startFolder->c_str()));
+    }
+    if (!request.types.empty()) {
+        dialog->setNameFilter(filterOf(request));
     }
     if (toWrite) {
         const QString extension = QString::fromStdString(request.extension);

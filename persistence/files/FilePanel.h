@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace starbloom {
 
@@ -21,8 +22,10 @@ struct FilePanelRequest {
     std::string title = {};                                ///< The panel's title, in the user's language, UTF-8.
     std::optional<std::filesystem::path> startFolder = {}; ///< Nothing leaves the choice to the panel.
     bool canCreateFolders = false;
-    std::string suggestedName = {}; ///< Of a new file, UTF-8.
-    std::string extension = {};     ///< Of a new file, without the dot; the only one that is allowed.
+    std::string suggestedName = {};      ///< Of a new file, UTF-8.
+    std::string extension = {};          ///< Of a new file, without the dot; the only one that is allowed.
+    std::vector<std::string> types = {}; ///< Of an existing file: the extensions that are offered; none: any file.
+    std::string typesName = {};          ///< What such files are called, in the user's language, UTF-8.
 };
 
 /// Asks the user for a file or folder. The shell implements it with a window, a test with prepared answers.

@@ -308,5 +308,11 @@ Double-click to put it back to %2.</translation></message>
 <message id="aboutTitle"><translation>About %1</translation></message>
 <message id="aboutVersion"><translation>Version %1</translation></message>
 <message id="aboutLicense"><translation>Free software under the GNU General Public License, version 3 or later (GPL-3.0-or-later). It comes with no warranty.</translation></message>
+<!-- Opening files -->
+<message id="openFileTitle"><translation>Open Picture</translation></message>
+<message id="openFileMessage"><translation>Choose a picture file</translation></message>
+<message id="openFileTypes"><translation>Picture Files</translation></message>
+<message id="dropViewName"><translation>Drop Target for Pictures</translation></message>
+<message id="dropViewToolTip"><translation>Drop picture files here to open them</translation></message>
 </context>
 </TS>

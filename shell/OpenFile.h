@@ -20,7 +20,7 @@ namespace starbloom {
 /// A file is checked and accepted or refused, both without a word: the display stays as it is, deliberately, for there
 /// is no view yet that would show an opened picture. The menus are suspended from the panel's opening until the file
 /// has been checked. What this refers to must outlive it. GUI thread.
-class OpenFile final : public QObject, public DropReceiver {
+class OpenFile : public QObject, public DropReceiver {
     Q_OBJECT
 
 public:

@@ -311,7 +311,7 @@ Double-click to put it back to %2.</translation></message>
 <!-- Opening files -->
 <message id="openFileTitle"><translation>Open Picture</translation></message>
 <message id="openFileMessage"><translation>Choose a picture file</translation></message>
-<message id="openFileTypes"><translation>Picture Files</translation></message>
+<message id="openFileTypes"><translation>Pictures</translation></message>
 <message id="dropViewName"><translation>Drop Target for Pictures</translation></message>
 <message id="dropViewToolTip"><translation>Drop picture files here to open them</translation></message>
 </context>

@@ -64,6 +64,12 @@ public:
         connect(&m_deadline, &QTimer::timeout, this, [this] { kill(); });
     }
 
+    ~Reading() override {
+        m_process.disconnect(this); // Half destroyed, it cannot be told of the end.
+        m_process.kill();
+        m_process.waitForFinished(static_cast<int>(deadline.count()));
+    }
+
     void start(const QString& program) {
         m_deadline.start(deadline);
         m_process.setStandardErrorFile(QProcess::nullDevice());

@@ -167,6 +167,13 @@ TEST_F(OpenFileTest, AProgramThatHangsOrIsMissingOrRavesCostsASecond) {
     }
     EXPECT_NE(log.text().find("install the program again"), std::string::npos);
 
+    // A window that closes does not wait for it.
+    auto leaving = std::make_unique<Opener>(*this, menus, stores, *this, script("sleeps", "sleep 60"));
+    leaving->getImageSize(picture, [](const QSize&) { FAIL(); });
+    const auto left = Clock::now();
+    leaving.reset();
+    EXPECT_LT(Clock::now() - left, 3s);
+
     // While it is being waited for, the windows cannot be used, and then they can again.
     Opener other(*this, menus, stores, *this, script("hangs", "sleep 60"));
     QPushButton button;

@@ -30,14 +30,15 @@ bool isFilePackage(const std::filesystem::path& folder) {
     return std::filesystem::is_regular_file(program, error) && ::access(program.c_str(), X_OK) == 0;
 }
 
-/// The answer to every drag that has files, even while drops are refused.
-void promiseCopy(QDropEvent& event) {
-    if (event.mimeData()->hasUrls()) {
-        event.setDropAction(Qt::CopyAction);
-        event.accept();
-    } else {
-        event.ignore();
-    }
+/// Whether the drag has files, rather than addresses of pages alone.
+bool hasFiles(const QMimeData& pasteboard) {
+    const QList<QUrl> urls = pasteboard.urls();
+    return std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
+}
+
+void answerCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
 }
 
 } // namespace
@@ -105,17 +106,18 @@ void DropView::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void DropView::dragEnterEvent(QDragEnterEvent* event) {
-    promiseCopy(*event);
+    if (hasFiles(*event->mimeData())) {
+        answerCopy(*event); // Even while drops are refused.
+    }
 }
 
 void DropView::dragMoveEvent(QDragMoveEvent* event) {
-    promiseCopy(*event);
+    answerCopy(*event);
 }
 
 void DropView::dropEvent(QDropEvent* event) {
     if (prepareForDragOperation() && performDragOperation(*event->mimeData())) {
-        event->setDropAction(Qt::CopyAction);
-        event->accept();
+        answerCopy(*event);
     } else {
         event->setDropAction(Qt::IgnoreAction);
         event->ignore();

@@ -89,8 +89,7 @@ TEST_F(DropViewTest, ARefusedDropStillLooksLikeACopyWhileItHovers) {
     view.changeDropstatus(true);
     EXPECT_TRUE(drops());
     EXPECT_EQ(receiver.asked.size(), 1U);
-    drag.clear();
-    drag.setText(QStringLiteral("/a.png"));
+    hold({QStringLiteral("https://example.org/a.png")});
     EXPECT_FALSE(enters());
 }
 

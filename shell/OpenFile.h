@@ -24,8 +24,9 @@ class OpenFile : public QObject, public DropReceiver {
     Q_OBJECT
 
 public:
+    /// The program that reads the sizes of pictures is the usual one unless a test names another.
     OpenFile(FilePanel& panel, MenuSnapshot& menus, const Stores& stores, const DocumentsFolder& documents,
-             QString sizeProgram = PictureSizes::usualProgram());
+             QString sizeProgram = {});
 
     /// Lets the user choose a picture, and opens it.
     void openFile1();

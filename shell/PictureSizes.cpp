@@ -20,6 +20,14 @@ namespace {
 constexpr const char* places[] = {"/starbloom-picture-size",
                                   "/../" STARBLOOM_LIBEXECDIR "/starbloom/starbloom-picture-size"};
 
+QString usualProgram() {
+    const QString folder = QCoreApplication::applicationDirPath();
+    const auto* found = std::find_if(std::begin(places), std::end(places), [&folder](const char* place) {
+        return QFileInfo(folder + QLatin1String(place)).isExecutable();
+    });
+    return folder + QLatin1String(found != std::end(places) ? *found : places[1]);
+}
+
 /// Longer than any answer. A library that a file has taken over may write what it likes.
 constexpr qint64 longestAnswer = 64;
 
@@ -103,14 +111,6 @@ PictureSizes::PictureSizes(QString program)
 
 PictureSizes::~PictureSizes() = default;
 
-QString PictureSizes::usualProgram() {
-    const QString folder = QCoreApplication::applicationDirPath();
-    const auto* found = std::find_if(std::begin(places), std::end(places), [&folder](const char* place) {
-        return QFileInfo(folder + QLatin1String(place)).isExecutable();
-    });
-    return folder + QLatin1String(found != std::end(places) ? *found : places[1]);
-}
-
 void PictureSizes::read(const std::filesystem::path& path, Answer answer) {
     m_waiting.push_back({path, std::move(answer)});
     startWaiting();
@@ -130,6 +130,9 @@ void PictureSizes::startWaiting() {
 }
 
 void PictureSizes::start(Request request) {
+    if (m_program.isEmpty()) {
+        m_program = usualProgram();
+    }
     ++m_running;
     (new Reading(*this, std::move(request)))->start(m_program);
 }

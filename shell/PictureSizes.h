@@ -26,11 +26,10 @@ public:
     /// How long a process may take, from its start.
     static constexpr std::chrono::milliseconds deadline{1000};
 
-    explicit PictureSizes(QString program = usualProgram());
+    /// Without a program's path, the program is looked for at the first file: beside this one, as in the build tree,
+    /// and where it was installed to.
+    explicit PictureSizes(QString program = {});
     ~PictureSizes() override;
-
-    /// Where the program lies: beside this one, as in the build tree, or where it was installed to.
-    static QString usualProgram();
 
     /// Answers later, once, with the size in pixels, 0 by 0 for what cannot be read as a picture; never after this
     /// object has been destroyed. A few files are read at a time and the others wait; answers may come in any order.

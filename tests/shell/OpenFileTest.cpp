@@ -211,7 +211,7 @@ TEST_F(OpenFileTest, BrokenAndHostileFilesAreAllAnsweredAndTheMenusAlwaysComeBac
     DropView well;
     well.setReceiver(&opener);
     EXPECT_TRUE(well.performDragOperation(drag));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return opener.sizes.size() == pictures.size(); }, 60000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return opener.sizes.size() == pictures.size(); }, 200000));
 
     std::vector<std::filesystem::path> expected;
     for (const auto& [path, hopeless] : pictures) {

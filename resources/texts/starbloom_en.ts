@@ -314,5 +314,27 @@ Double-click to put it back to %2.</translation></message>
 <message id="openFileTypes"><translation>Pictures</translation></message>
 <message id="dropViewName"><translation>Drop Target for Pictures</translation></message>
 <message id="dropViewToolTip"><translation>Drop picture files here to open them</translation></message>
+<!-- Introduction: thirteen pages; %1 in a description is the application's name -->
+<message id="introductionDescript1"><translation>Welcome to %1! Fireworks rise on your desktop, and you decide what they look like. This tour shows you how in two minutes; the arrow keys turn its pages, too.</translation></message>
+<message id="introductionDescript2"><translation>This is the stage. Rockets rise from its bottom edge and burst into hundreds of colored sparks, with bright sparkles among them. No two moments are alike.</translation></message>
+<message id="introductionDescript3"><translation>The toolbar has everything at hand: the animation, the size and the background of the stage, the folder for exports, pictures, movies, settings and preferences. Rest the pointer on a control to learn what it does.</translation></message>
+<message id="introductionDescript4"><translation>Type the width and the height of the stage here, or drag an edge of the window. Pictures and movies are as large as the stage. F11 fills the whole screen.</translation></message>
+<message id="introductionDescript5"><translation>The settings sidebar of %1 has fourteen sliders that shape the show. Open it with this button; the show follows while you move them.</translation></message>
+<message id="introductionDescript6"><translation>Four groups shape the fireworks of %1: how rockets rise, how bursts open and sink, how long sparkles flicker, and how fast time runs. Rest the pointer on a slider to learn more.</translation></message>
+<message id="introductionDescript7"><translation>Double-click a slider to put it back to where it was at first, or click Reset for all fourteen. Save keeps the positions for the next start; Load brings back what you saved last.</translation></message>
+<message id="introductionDescript8"><translation>Run or stop the animation with the buttons on the left: when it is stopped, every spark stays where it is. The color field beside the size sets the background of the stage.</translation></message>
+<message id="introductionDescript9"><translation>Choose a folder in the toolbar, then click the camera: %1 saves a picture of this very moment. The line below the stage tells its name, and a link shows it in its folder.</translation></message>
+<message id="introductionDescript10"><translation>Export Settings in the File menu lets you choose the format, the quality and the name of your pictures. They are numbered as needed, so that no picture replaces another.</translation></message>
+<message id="introductionDescript11"><translation>The movie camera records the show. Choose the frames per second and the length, click Create, and %1 records the stage into the file that you name. With a fade-in, the movie starts with few rockets and more and more of them follow.</translation></message>
+<message id="introductionDescript12"><translation>The preferences say what happens at start, and which folders files are opened from and exported to. Changes are kept when you click Save.</translation></message>
+<message id="introductionDescript13"><translation>That is all. Enjoy the show! The guide in the Emitter menu explains each slider, and the Help menu has the user guide, and this tour whenever you want to see it again.</translation></message>
+<message id="introductionBack"><translation>&amp;Back</translation></message>
+<message id="introductionBackToolTip"><translation>Shows the previous page</translation></message>
+<message id="introductionForward"><translation>&amp;Next</translation></message>
+<message id="introductionForwardToolTip"><translation>Shows the next page</translation></message>
+<message id="introductionDontToolTip"><translation>Starts without this window; it can still be opened from the Help menu</translation></message>
+<message id="introductionPageName"><translation>Page %1 of %2</translation></message>
+<message id="introductionScreenshotName"><translation>Picture for this page</translation></message>
+<message id="introductionTextName"><translation>Description</translation></message>
 </context>
 </TS>

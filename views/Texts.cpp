@@ -32,4 +32,13 @@ QString textOf(std::string_view key) {
     return qtTrId(std::string(key).c_str());
 }
 
+QString textsLanguage() {
+    for (const QTranslator* each : QCoreApplication::instance()->findChildren<QTranslator*>()) {
+        if (each->filePath().startsWith(u":/texts/")) {
+            return each->language();
+        }
+    }
+    return QStringLiteral("en");
+}
+
 } // namespace starbloom

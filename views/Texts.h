@@ -17,4 +17,7 @@ bool loadTexts(const QLocale& locale = QLocale::system());
 /// A text whose key is put together at run time.
 QString textOf(std::string_view key);
 
+/// The language of the string table that loadTexts() has found: "en", "de".
+QString textsLanguage();
+
 } // namespace starbloom

@@ -84,6 +84,11 @@ void Stores::reloadOnlyDB1() {
     }
 }
 
+void Stores::reloadDB2() {
+    m_checkboxes.mirror.clear();
+    populateDB2();
+}
+
 void Stores::setMain() {
     m_preferences.append();
 }

@@ -55,6 +55,9 @@ public:
     /// Reads the preferences again in place of the mirror's content.
     void reloadOnlyDB1();
 
+    /// Empties the check boxes' mirror and appends their states again.
+    void reloadDB2();
+
     /// The last step of a launch: appends the preferences once more, so that their mirror holds them twice. Readers use
     /// the first copy only.
     void setMain();

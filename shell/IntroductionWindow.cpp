@@ -14,9 +14,7 @@
 #include <QShortcut>
 #include <QWindow>
 
-#include <algorithm>
 #include <array>
-#include <string>
 
 namespace starbloom {
 
@@ -30,12 +28,31 @@ constexpr int textHeight = 16;
 /// The ground behind the pictures and the white text, in every colour scheme.
 constexpr QColor ground(27, 30, 37);
 
-/// Their descriptions tell the application's name.
-constexpr std::array pagesWithName = {1, 5, 6, 9, 11};
+/// Some descriptions tell the application's name.
+struct Description {
+    const char* key;
+    bool hasName;
+};
+
+constexpr std::array<Description, IntroductionPages::count> descriptions{{
+    {"introductionDescript1", true},
+    {"introductionDescript2", false},
+    {"introductionDescript3", false},
+    {"introductionDescript4", false},
+    {"introductionDescript5", true},
+    {"introductionDescript6", true},
+    {"introductionDescript7", false},
+    {"introductionDescript8", false},
+    {"introductionDescript9", true},
+    {"introductionDescript10", false},
+    {"introductionDescript11", true},
+    {"introductionDescript12", false},
+    {"introductionDescript13", false},
+}};
 
 QString description(int page) {
-    const QString text = textOf("introductionDescript" + std::to_string(page));
-    const bool hasName = std::find(pagesWithName.begin(), pagesWithName.end(), page) != pagesWithName.end();
+    const auto& [key, hasName] = descriptions[static_cast<std::size_t>(page - 1)];
+    const QString text = textOf(key);
     return hasName ? text.arg(QGuiApplication::applicationDisplayName()) : text;
 }
 

@@ -335,6 +335,5 @@ Double-click to put it back to %2.</translation></message>
 <message id="introductionDontToolTip"><translation>Starts without this window; it can still be opened from the Help menu</translation></message>
 <message id="introductionPageName"><translation>Page %1 of %2</translation></message>
 <message id="introductionScreenshotName"><translation>Picture for this page</translation></message>
-<message id="introductionTextName"><translation>Description</translation></message>
 </context>
 </TS>

@@ -3,6 +3,7 @@
 
 #include "views/ControlLook.h"
 
+#include <QEvent>
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
@@ -23,11 +24,23 @@ constexpr double plateRadius = 4.0;
 
 void TitledCheckBox::setTitleColor(const QColor& color) {
     m_titleColor = color;
+    updateGeometry();
     update();
 }
 
+bool TitledCheckBox::needsPlate() const {
+    return contrast(m_titleColor, palette().color(QPalette::Window)) < textContrast;
+}
+
 QSize TitledCheckBox::sizeHint() const {
-    return QCheckBox::sizeHint() + 2 * padding;
+    return needsPlate() ? QCheckBox::sizeHint() + 2 * padding : QCheckBox::sizeHint();
+}
+
+void TitledCheckBox::changeEvent(QEvent* event) {
+    QCheckBox::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        updateGeometry();
+    }
 }
 
 bool TitledCheckBox::hitButton(const QPoint& position) const {
@@ -38,7 +51,7 @@ void TitledCheckBox::paintEvent(QPaintEvent* /*event*/) {
     QStylePainter painter(this);
     QStyleOptionButton option;
     initStyleOption(&option);
-    if (contrast(m_titleColor, palette().color(QPalette::Window)) < textContrast) {
+    if (needsPlate()) {
         const QColor plate =
             contrast(m_titleColor, lightPlate) >= contrast(m_titleColor, darkPlate) ? lightPlate : darkPlate;
         painter.setRenderHint(QPainter::Antialiasing);
@@ -47,10 +60,10 @@ void TitledCheckBox::paintEvent(QPaintEvent* /*event*/) {
         painter.drawRoundedRect(QRectF(rect()), plateRadius, plateRadius);
         painter.setRenderHint(QPainter::Antialiasing, false);
         option.palette = QPalette(plate);
+        option.rect = rect().adjusted(padding.width(), padding.height(), -padding.width(), -padding.height());
     }
     option.palette.setColor(QPalette::WindowText, m_titleColor);
     option.palette.setColor(QPalette::ButtonText, m_titleColor);
-    option.rect = rect().adjusted(padding.width(), padding.height(), -padding.width(), -padding.height());
     painter.drawControl(QStyle::CE_CheckBox, option);
 }
 

@@ -23,9 +23,12 @@ public:
 
 protected:
     bool hitButton(const QPoint& position) const override;
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    bool needsPlate() const;
+
     QColor m_titleColor;
 };
 

@@ -1,37 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Pictures of all windows of the application, taken without a screen: starbloom_screenshots FOLDER SUFFIX
-// [--long-texts] writes FOLDER/main-windowSUFFIX.png and the others. --long-texts shows all texts 40 % longer than they
-// are, as other languages have them. Exit status: 0 done, 1 something did not come up or could not be written, 2 wrong
-// arguments.
+// Pictures of the application, taken without a screen.
+//
+//   starbloom_screenshots FOLDER SUFFIX [--long-texts]
+// writes FOLDER/main-windowSUFFIX.png and those of all other windows. --long-texts shows all texts 40 % longer than
+// they are, as other languages have them.
+//
+//   starbloom_screenshots --introduction LANGUAGE FOLDER
+// writes the pictures of the introduction's pages, FOLDER/Screenshot_001.jpg and so on, with a language's texts.
+//
+// Exit status: 0 done, 1 something did not come up or could not be written, 2 wrong arguments.
 
-#include "shell/AppDelegate.h"
 #include "shell/Application.h"
 #include "shell/ColorScheme.h"
-#include "shell/LoadedEncoders.h"
-#include "shell/QtDelayedCalls.h"
-#include "views/ParameterSlider.h"
-#include "views/PathControl.h"
+#include "shell/IntroductionWindow.h"
+#include "tools/screenshots/DrivenApplication.h"
+#include "tools/screenshots/IntroductionPictures.h"
 #include "views/ResultLine.h"
 #include "views/Texts.h"
 
+#include <QAbstractButton>
 #include <QColorDialog>
-#include <QDeadlineTimer>
 #include <QFile>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
 #include <QMessageBox>
 #include <QRegularExpression>
-#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTranslator>
 #include <QWindow>
 
 #include <cstdio>
 #include <fstream>
-#include <stdexcept>
-#include <string>
 
 namespace starbloom {
 
@@ -39,45 +37,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::uint64_t showSeed = 7;
-
-/// When many bursts are open at once, with the positions below. Changes with them and with the seed.
-constexpr std::chrono::milliseconds fineMoment{5500};
-
-constexpr std::pair<Parameter, float> positions[] = {
-    {Parameter::RocketBirth, 22.0F},
-    {Parameter::RocketVelocity, 430.0F},
-    {Parameter::RocketAngle, 1.6F},
-};
-
-/// Shown instead of the temporary folder, whose name is another one each time.
-const auto documents = QStringLiteral("/home/robin/Documents");
-const auto pictures = QStringLiteral("/home/robin/Pictures/Fireworks");
-
 /// Half of the larger scale's screen is still enough for all windows side by side.
 constexpr const char* screenSetup = R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 3840, "height": 2400,
     "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})";
-
-/// The answers of a desktop whose user always chooses the same folder.
-class Desktop final : public FilePanel, public DocumentsFolder, public FileManager {
-public:
-    explicit Desktop(std::filesystem::path folder)
-        : m_folder(std::move(folder)) {}
-
-    void ask(const FilePanelRequest& /*request*/,
-             std::function<void(std::optional<std::filesystem::path> choice)> answer) override {
-        answer(m_folder);
-    }
-
-    std::filesystem::path documentsFolder() const override { return documents.toStdString(); }
-
-    void showInFolder(const std::filesystem::path& /*file*/) override {}
-
-    void open(const QUrl& /*url*/) override {}
-
-private:
-    std::filesystem::path m_folder;
-};
 
 /// Makes each text longer and keeps its placeholders and mnemonics.
 class LongTexts final : public QTranslator {
@@ -93,41 +55,18 @@ public:
     bool isEmpty() const override { return false; }
 };
 
-template <typename Condition>
-void waitFor(const char* what, Condition condition) {
-    const QDeadlineTimer deadline(10s);
-    while (!condition()) {
-        if (deadline.hasExpired()) {
-            throw std::runtime_error(std::string("waited in vain for ") + what);
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    QCoreApplication::processEvents();
-}
-
-/// Has no printer, so that the alert shows.
-class NoPrinting final : public PrintSystem {
-public:
-    bool printPlain(QWidget&, Finished) override { return false; }
-
-    bool setUpPage(QWidget&, Finished) override { return false; }
-};
-
 /// Leads the application from window to window and takes the pictures.
 class Tour {
 public:
     Tour(QString folder, QString suffix, const std::filesystem::path& home)
         : m_folder(std::move(folder))
         , m_suffix(std::move(suffix))
-        , m_desktop(home / "pictures")
-        , m_app(AppFolder(home / "data"), {m_calls, m_desktop, m_desktop, m_desktop, m_encoders, m_printing, showSeed,
-                                           [this] { return m_now; }}) {
-        std::filesystem::create_directories(home / "data");
-        std::filesystem::create_directories(home / "pictures");
-    }
+        , m_home(home)
+        , m_driven(home)
+        , m_app(m_driven.app()) {}
 
     void make() {
-        launch();
+        m_driven.launch();
         takeMainWindow();
         takeMenus();
         takeSidebar();
@@ -140,33 +79,13 @@ public:
         takeAlert("filePrint", "printAlert");
         takeAlert("appAbout", "aboutBox");
         takeSmallWindow();
+        takeIntroduction();
     }
 
 private:
     template <typename Widget>
     Widget& find(const char* name) {
-        auto* found = m_app.window().findChild<Widget*>(QString::fromUtf8(name));
-        if (found == nullptr) {
-            throw std::runtime_error(std::string("no such widget: ") + name);
-        }
-        return *found;
-    }
-
-    void launch() {
-        m_app.launch();
-        auto& stage = find<StageView>("stage");
-        waitFor("the stage", [&] { return stage.renderedFrames() > 0; });
-        for (const auto& [parameter, position] : positions) {
-            auto& slider = find<ParameterSlider>(row(parameter).name.data());
-            slider.setPosition(position);
-            emit slider.moved();
-        }
-        stage.restart();
-        m_now += fineMoment;
-        constexpr std::chrono::duration<double> wanted = fineMoment;
-        waitFor("the moment", [&] { return stage.shownTime() > wanted.count() - 0.01; });
-        find<PathControl>("pathControlT1").click();
-        find<PathControl>("pathControlT1").setStringValue(pictures);
+        return m_driven.find<Widget>(name);
     }
 
     void takeMainWindow() {
@@ -254,11 +173,16 @@ private:
         take("main-window-least-size", m_app.window());
     }
 
-    /// As a user does it.
-    static void replaceText(QLineEdit& field, const char* text) {
-        field.setFocus();
-        field.selectAll();
-        field.insert(QString::fromUtf8(text));
+    void takeIntroduction() {
+        Stores stores((AppFolder(m_home / "introduction")));
+        IntroductionWindow introduction(stores);
+        introduction.prepareFirstPage();
+        introduction.showIntroduction();
+        do {
+            take("introduction-" + std::to_string(introduction.introductionPage()), introduction);
+            introduction.forward7Clicked();
+        } while (introduction.introductionPage() < IntroductionPages::count);
+        take("introduction-" + std::to_string(introduction.introductionPage()), introduction);
     }
 
     void take(const std::string& name, QWidget& window) {
@@ -271,12 +195,9 @@ private:
 
     QString m_folder;
     QString m_suffix;
-    std::chrono::nanoseconds m_now = 1h;
-    QtDelayedCalls m_calls;
-    Desktop m_desktop;
-    LoadedEncoders m_encoders;
-    NoPrinting m_printing;
-    AppDelegate m_app;
+    std::filesystem::path m_home;
+    DrivenApplication m_driven;
+    AppDelegate& m_app;
 };
 
 QtMessageHandler usualHandler = nullptr;
@@ -297,24 +218,44 @@ void useLongTexts() {
     QCoreApplication::installTranslator(texts);
 }
 
-int run(int argc, char** argv, const QTemporaryDir& home) {
-    usualHandler = qInstallMessageHandler(leaveOutPlatform);
-    const Application application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Starbloom"));
-    QApplication::setCursorFlashTime(0); // A picture has the cursor or it does not, but the same each time.
-    loadTexts(QLocale(QLocale::English));
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
-    const bool longTexts = arguments.size() == 3 && arguments[2] == QStringLiteral("--long-texts");
-    if (arguments.size() != 2 && !longTexts) {
-        std::fputs("usage: starbloom_screenshots FOLDER SUFFIX [--long-texts]\n", stderr);
-        return 2;
+int takeIntroduction(const QString& language, const QString& folder, const std::filesystem::path& home) {
+    loadTexts(QLocale(language));
+    if (textsLanguage() != language) {
+        throw std::runtime_error("no texts in " + language.toStdString());
     }
+    const ColorScheme colorScheme;
+    IntroductionPictures(folder, home).make();
+    return 0;
+}
+
+int takeWindows(const QStringList& arguments, bool longTexts, const std::filesystem::path& home) {
+    loadTexts(QLocale(QLocale::English));
     if (longTexts) {
         useLongTexts();
     }
     const ColorScheme colorScheme;
-    Tour(arguments[0], arguments[1], QFile::encodeName(home.path()).toStdString()).make();
+    Tour(arguments[0], arguments[1], home).make();
     return 0;
+}
+
+int run(int argc, char** argv, const QTemporaryDir& folder) {
+    usualHandler = qInstallMessageHandler(leaveOutPlatform);
+    const Application application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Starbloom"));
+    QApplication::setCursorFlashTime(0); // A picture has the cursor or it does not, but the same each time.
+    const std::filesystem::path home = QFile::encodeName(folder.path()).toStdString();
+    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    if (arguments.size() == 3 && arguments[0] == QStringLiteral("--introduction")) {
+        return takeIntroduction(arguments[1], arguments[2], home);
+    }
+    const bool longTexts = arguments.size() == 3 && arguments[2] == QStringLiteral("--long-texts");
+    if (arguments.size() != 2 && !longTexts) {
+        std::fputs("usage: starbloom_screenshots FOLDER SUFFIX [--long-texts]\n"
+                   "       starbloom_screenshots --introduction LANGUAGE FOLDER\n",
+                   stderr);
+        return 2;
+    }
+    return takeWindows(arguments, longTexts, home);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "persistence/stores/StoreTables.h"
 #include "shell/ControlTitles.h"
+#include "shell/ModalPlace.h"
 #include "shell/introduction/Bundle.h"
 #include "shell/introduction/PageBadge.h"
 #include "ui_IntroductionWindow.h"
@@ -24,6 +25,9 @@ namespace {
 constexpr std::size_t introductionSwitch = 1;
 
 constexpr int textHeight = 16;
+
+/// From the main window's top: its toolbar, of which the pages tell, stays in sight.
+constexpr int distanceFromTop = 112;
 
 /// The ground behind the pictures and the white text, in every colour scheme.
 constexpr QColor ground(27, 30, 37);
@@ -79,10 +83,14 @@ void setEnabled(QPushButton& button, bool enabled, QPushButton& other) {
 
 } // namespace
 
-IntroductionWindow::IntroductionWindow(Stores& stores)
+IntroductionWindow::IntroductionWindow(Stores& stores, const QWidget& mainWindow)
     : m_stores(stores)
+    , m_mainWindow(mainWindow)
     , m_ui(std::make_unique<Ui::introductionWindow>()) {
     setAttribute(Qt::WA_QuitOnClose, false);
+    // Its size is fixed: all but the button that would make it larger.
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                   Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     m_ui->setupUi(this);
     setControlTitles(*this);
     setLooks();
@@ -125,6 +133,9 @@ void IntroductionWindow::prepareFirstPage() {
 }
 
 void IntroductionWindow::showIntroduction() {
+    if (!m_opened) {
+        placeBelowTop(*this, m_mainWindow, distanceFromTop);
+    }
     show();
     raise();
     activateWindow();

@@ -17,19 +17,19 @@ namespace starbloom {
 /// The introduction: thirteen pages, each with a picture, a description and a badge with its number, and a check box
 /// that keeps the window away from the next starts.
 ///
-///     IntroductionWindow introduction(stores);
+///     IntroductionWindow introduction(stores, mainWindow);
 ///     introduction.prepareFirstPage();
 ///     introduction.showIntroduction(); // At a start; quicktourApp() from the menu.
 ///
 /// A window of its own that stays open beside the others, but does not keep the application running. Hidden or shown,
 /// never rebuilt: it comes back with the page that was shown last. Making it loads its font and draws a picture, so it
-/// is made when it is to be shown. The stores must outlive it. A store that fails when the check box is clicked throws
-/// StoreFailure out of the event loop. Lives on the GUI thread.
+/// is made when it is to be shown. The stores and the main window must outlive it. A store that fails when the check
+/// box is clicked throws StoreFailure out of the event loop. Lives on the GUI thread.
 class IntroductionWindow final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit IntroductionWindow(Stores& stores);
+    IntroductionWindow(Stores& stores, const QWidget& mainWindow);
     ~IntroductionWindow() override;
 
     /// Shows the first page as it is before anybody has turned one.
@@ -70,6 +70,7 @@ private:
     void introductionWillClose();
 
     Stores& m_stores;
+    const QWidget& m_mainWindow;
     std::unique_ptr<Ui::introductionWindow> m_ui;
     IntroductionPages m_pages;
     bool m_opened = false;

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-class QDialog;
 class QWidget;
 
 namespace starbloom {
 
-/// Puts a dialog where it seems to hang from the main window: centred on it, its top edge 30 points below the main
+/// Puts a window where it seems to hang from the main window: centred on it, its top edge by some points below the main
 /// window's, and moved as far as it takes to have all of it on the screen. It keeps its size; one that has none yet
 /// gets the one that it asks for. Where the desktop places windows by itself, it does. GUI thread.
-void placeBelowTop(QDialog& dialog, const QWidget& mainWindow);
+void placeBelowTop(QWidget& window, const QWidget& mainWindow, int distance = 30);
 
 } // namespace starbloom

@@ -124,7 +124,8 @@ protected:
     TemporaryFolder home;
     AppFolder appFolder{home / "data"};
     Stores stores{appFolder};
-    IntroductionWindow window{stores};
+    QWidget main;
+    IntroductionWindow window{stores, main};
 };
 
 TEST_F(IntroductionWindowTest, EachPageHasItsPictureAndATextThatFits) {

@@ -175,7 +175,7 @@ private:
 
     void takeIntroduction() {
         Stores stores((AppFolder(m_home / "introduction")));
-        IntroductionWindow introduction(stores);
+        IntroductionWindow introduction(stores, m_app.window());
         introduction.prepareFirstPage();
         introduction.showIntroduction();
         do {

@@ -96,6 +96,7 @@ IntroductionWindow::IntroductionWindow(Stores& stores, const QWidget& mainWindow
     setLooks();
     connectControls();
     showButtons();
+    m_ui->forwardButton7->setFocus();
 }
 
 IntroductionWindow::~IntroductionWindow() = default;

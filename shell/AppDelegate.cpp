@@ -5,6 +5,7 @@
 #include "shell/PreferencesWindow.h"
 #include "shell/Spark.h"
 #include "shell/StageSizeFields.h"
+#include "views/DropView.h"
 #include "views/ResultLine.h"
 #include "views/SegmentedControl.h"
 #include "views/SymbolIcon.h"
@@ -31,6 +32,8 @@ AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     , m_sidebar(m_panel, m_window, m_stores, m_frames, surroundings.calls)
     , m_menuSnapshot(m_window.menus())
     , m_menuCommands(m_window, m_menuSnapshot, m_surroundings)
+    , m_openFile(m_surroundings.filePanel, m_menuSnapshot, m_stores, m_surroundings.documents)
+    , m_companions({m_window, m_sidebar, m_stores, m_frames}, m_surroundings)
     , m_backgroundWell(m_window.toolbar().colorWell(), m_folder.filePath6(), surroundings.calls,
                        [this](const Color& color) { m_controller.setBackgroundColor(color); })
     , m_exports({m_window, m_stage, m_controller, m_panel}, m_surroundings, m_folder, m_stores, m_menuSnapshot) {}
@@ -60,6 +63,7 @@ void AppDelegate::screenOptions() {
     m_window.takeInitialSize();
     readStores();
     m_window.setVisible(true);
+    m_companions.beginWithIntroduction(!isSwitchOn(2));
 }
 
 void AppDelegate::openStores() {
@@ -99,6 +103,7 @@ void AppDelegate::followWindowOnceOnScreen() {
         m_controller.slidersMoved();
         m_stage.restart(); // What is told of a picture holds from moment 0 on.
         m_windowPlace.follow();
+        m_companions.mainWindowAppeared();
         m_exports.offerRescue();
         // After the first frame: drawing the icon in every size that desktops ask for takes longer than showing the
         // window.
@@ -130,6 +135,8 @@ void AppDelegate::connectCommands() {
          {&menus.action(Command::WindowOpensettings), &toolbar.button(ToolItem::Showsettings)}) {
         on(*action, [this] { m_sidebar.openSettings(); });
     }
+    on(menus.action(Command::FileOpen), [this] { m_openFile.openFile1(); });
+    m_window.dropView().setReceiver(&m_openFile);
     on(menus.action(Command::EmitterReset), [this] { m_controller.resetSliders(); });
     on(menus.action(Command::AppSavesettings), [this] { saveSettings(); });
     on(menus.action(Command::AppLoadsettings), [this] { loadSettings(); });
@@ -185,7 +192,7 @@ void AppDelegate::openPreferences() {
 
 void AppDelegate::closeCompanions() {
     m_backgroundWell.saveNow();
-    m_sidebar.close();
+    m_companions.close();
 }
 
 bool AppDelegate::isSwitchOn(int number) const {

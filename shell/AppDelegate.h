@@ -8,9 +8,11 @@
 #include "persistence/stores/AppFolder.h"
 #include "persistence/stores/Stores.h"
 #include "shell/BackgroundWell.h"
+#include "shell/Companions.h"
 #include "shell/Exports.h"
 #include "shell/MainWindow.h"
 #include "shell/MenuCommands.h"
+#include "shell/OpenFile.h"
 #include "shell/SettingsSidebar.h"
 #include "shell/SliderPanel.h"
 #include "shell/StorePresets.h"
@@ -98,6 +100,8 @@ private:
     SettingsSidebar m_sidebar;
     MenuSnapshot m_menuSnapshot;
     MenuCommands m_menuCommands;
+    OpenFile m_openFile;
+    Companions m_companions;
     BackgroundWell m_backgroundWell;
     Exports m_exports;
     std::unique_ptr<PreferencesWindow> m_preferences; ///< Nothing until it is opened for the first time.

@@ -7,6 +7,7 @@
 #include "shell/StageSizeFields.h"
 #include "shell/Toolbar.h"
 #include "ui_MainWindow.h"
+#include "views/DropView.h"
 #include "views/StageView.h"
 #include "views/backgrounds/BackgroundViews.h"
 
@@ -49,6 +50,10 @@ MainWindow::~MainWindow() {
 
 ResultLine& MainWindow::resultLine() const {
     return *m_ui->resultLine;
+}
+
+DropView& MainWindow::dropView() const {
+    return *m_ui->dropView;
 }
 
 void MainWindow::connectWindowCommands() {
@@ -130,7 +135,7 @@ void MainWindow::followWindowState() {
     m_menus->action(Command::WindowZoom).setEnabled(!full); // There is nothing larger.
     m_leaveFullScreen->setEnabled(full);
     m_ui->chrome->setVisible(!full);
-    m_ui->resultLine->setVisible(!full);
+    m_ui->bottomBorder->setVisible(!full);
     const int side = (border.width()) / 2;
     m_stageRoom->setFullScreen(full);
     m_ui->stageLayout->setContentsMargins(full ? QMargins() : QMargins(side, 0, side, side));

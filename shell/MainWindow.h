@@ -15,6 +15,7 @@ class MainWindow;
 
 namespace starbloom {
 
+class DropView;
 class Menus;
 class ResultLine;
 class StageRoom;
@@ -52,6 +53,9 @@ public:
     Toolbar& toolbar() const { return *m_toolbar; }
 
     ResultLine& resultLine() const;
+
+    /// The well for picture files, at the right end of the line.
+    DropView& dropView() const;
 
 signals:
     /// The window closes; its companions are to be closed, too.

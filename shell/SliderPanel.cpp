@@ -27,7 +27,6 @@ enum Column { NameColumn, SliderColumn, ValueColumn };
 /// The least at which the steps of a slider can still be aimed at. Points.
 constexpr int sliderWidth = 72;
 
-
 QString toolTipOf(const ParameterRow& row) {
     return qtTrId("settingsSliderToolTip")
         .arg(textFor(row, "Effect"), ParameterSlider::text(row, static_cast<float>(row.resetPosition)));

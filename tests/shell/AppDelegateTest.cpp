@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
+#include "shell/Menus.h"
 #include "tests/shell/PreparedSurroundings.h"
 #include "tests/support/TemporaryFolder.h"
 #include "views/ParameterSlider.h"
@@ -24,6 +25,7 @@ using namespace std::chrono_literals;
 class AppDelegateTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        skipIntroduction(home);
         app.launch();
         ASSERT_TRUE(QTest::qWaitFor([this] { return stage().renderedFrames() > 0; }));
     }
@@ -199,6 +201,50 @@ TEST_F(AppDelegateTest, TheSidebarOpensAtItsPlaceOnceAndComesBackWhereItWas) {
 TEST_F(AppDelegateTest, QuitClosesTheWindow) {
     QTest::keyClick(&app.window(), Qt::Key_Q, Qt::ControlModifier);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !app.window().isVisible(); }));
+}
+
+class FirstLaunchTest : public ::testing::Test {
+protected:
+    QWidget* introduction() {
+        const auto windows = QApplication::topLevelWidgets();
+        const auto found = std::ranges::find(windows, QStringLiteral("introductionWindow"), &QWidget::objectName);
+        return found == windows.end() ? nullptr : *found;
+    }
+
+    TemporaryFolder home;
+    PreparedSurroundings around{home};
+};
+
+TEST_F(FirstLaunchTest, BringsTheIntroductionWhichMakesWayAndGoesWithTheMainWindow) {
+    AppDelegate app(AppFolder(home.path()), around.with());
+    app.launch();
+    QAction& tour = app.window().menus().action(Command::AppQuicktour);
+    EXPECT_FALSE(tour.isEnabled());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return introduction() != nullptr && introduction()->isVisible(); }));
+    EXPECT_FALSE(tour.isEnabled());
+    introduction()->close();
+    EXPECT_TRUE(tour.isEnabled());
+    tour.trigger();
+    EXPECT_TRUE(introduction()->isVisible());
+    EXPECT_FALSE(tour.isEnabled());
+    QAction& guide = app.window().menus().action(Command::EmitterShow);
+    guide.trigger();
+    EXPECT_FALSE(guide.isEnabled());
+    auto* guideWindow = app.window().findChild<QWidget*>(QStringLiteral("guideWindow"));
+    ASSERT_NE(guideWindow, nullptr);
+    app.window().close();
+    EXPECT_FALSE(introduction()->isVisible() || guideWindow->isVisible());
+    EXPECT_TRUE(guide.isEnabled());
+}
+
+TEST_F(FirstLaunchTest, SwitchedOffTheIntroductionStaysAwayAndItsCommandIsThere) {
+    skipIntroduction(home);
+    AppDelegate app(AppFolder(home.path()), around.with());
+    app.launch();
+    auto* stage = app.window().findChild<StageView*>(QStringLiteral("stage"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return stage->renderedFrames() > 1; }));
+    EXPECT_EQ(introduction(), nullptr);
+    EXPECT_TRUE(app.window().menus().action(Command::AppQuicktour).isEnabled());
 }
 
 } // namespace

@@ -23,6 +23,7 @@ using namespace std::chrono_literals;
 class ExportTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        skipIntroduction(home);
         std::filesystem::create_directory(folder);
         AppFolder(home.path()).createAppFolder();
         saveSharedFolder(AppFolder(home.path()).filePath3(), folder);

@@ -169,6 +169,7 @@ TEST(Menus, EightActionsRestWhileThePreferencesAreOpen) {
 class MenuCommandsTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        skipIntroduction(home);
         app.launch();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&app.window()));
     }

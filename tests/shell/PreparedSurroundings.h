@@ -44,6 +44,15 @@ private:
     }
 };
 
+/// Keeps the introduction, which would take the keyboard, away from the next launch in this home.
+inline void skipIntroduction(const TemporaryFolder& home) {
+    const AppFolder folder(home.path());
+    folder.createAppFolder();
+    Stores stores(folder);
+    stores.openCreateDB2();
+    stores.saveData2("1", "Value02");
+}
+
 /// What a whole application needs in a test: a clock moved by hand, prepared answers, a folder for everything.
 class PreparedSurroundings final : public DocumentsFolder, public FileManager {
 public:

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/Arguments.h"
+
+#include <CLI/CLI.hpp>
+
+#include <utility>
+
+namespace starbloom {
+
+namespace {
+
+void declare(CLI::App& app, const OptionRow& row) {
+    CLI::Option* option =
+        row.value == OptionValue::None ? app.add_flag(std::string(row.name)) : app.add_option(std::string(row.name));
+    option->type_name(std::string(row.valueName));
+    if (row.value == OptionValue::Setting) {
+        option->take_all()->allow_extra_args(false);
+    } else if (row.value == OptionValue::Files) {
+        option->expected(1, -1);
+    }
+}
+
+} // namespace
+
+Result<Arguments> Arguments::parse(std::span<const std::string> arguments) {
+    CLI::App app;
+    app.set_help_flag();
+    Arguments read;
+    app.add_option("OUTPUT", read.m_output);
+    for (const OptionRow& each : optionTable()) {
+        declare(app, each);
+    }
+    try {
+        // The library takes its arguments from the back.
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::ParseError& error) {
+        return Error{error.what()};
+    }
+    for (const OptionRow& each : optionTable()) {
+        const CLI::Option* option = app.get_option(std::string(each.name));
+        if (option->count() > 0) {
+            read.m_values[each.id] = option->results();
+        }
+    }
+    return read;
+}
+
+const std::vector<std::string>& Arguments::texts(OptionId option) const {
+    static const std::vector<std::string> none;
+    const auto found = m_values.find(option);
+    return found == m_values.end() ? none : found->second;
+}
+
+} // namespace starbloom

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/OptionTable.h"
+
+#include <array>
+
+namespace starbloom {
+
+namespace {
+
+constexpr std::string_view show = "Show";
+constexpr std::string_view picture = "Picture";
+constexpr std::string_view time = "Time";
+constexpr std::string_view tables = "Tables";
+constexpr std::string_view program = "Program";
+
+using enum OptionValue;
+
+constexpr std::array options{
+    OptionRow{OptionId::Set, show, "--set", Setting, "NAME=POSITION",
+              "Moves one of the fourteen parameters; may be given again for others",
+              "--list-parameters shows their names and ranges."},
+    OptionRow{OptionId::Seed, show, "--seed", Text, "N", "Another number gives another show (default 1)", ""},
+    OptionRow{OptionId::FadeIn, show, "--fade-in", Text, "SECONDS",
+              "Lets the rocket rate climb from --from on, for about so long", ""},
+    OptionRow{OptionId::Background, show, "--background", Text, "RRGGBB", "Colour behind the show (default 000000)",
+              ""},
+    OptionRow{OptionId::Like, show, "--like", File, "PICTURE",
+              "Renders the show that another picture of this program was taken from",
+              "Takes the positions, seed, moment, size and background from PICTURE; options that are given besides it "
+              "count more. At another --size the same sparks are drawn larger or smaller, nothing is cut off: a wider "
+              "picture shows more on both sides, a taller one more above. A movie or frames start at --from, not at "
+              "PICTURE's moment."},
+    OptionRow{OptionId::Size, picture, "--size", Text, "WxH", "Size of the stage in pixels (default 640x480)", ""},
+    OptionRow{OptionId::Quality, picture, "--quality", Text, "PERCENT", "Of JPEG and JPEG 2000, 5 to 100 (default 100)",
+              ""},
+    OptionRow{OptionId::Transparent, picture, "--transparent", None, "",
+              "Light on nothing: PNG, TIFF or JPEG 2000 with alpha, no background",
+              "In an editor, such a picture glows on any layer below it in the normal mode (over). For light that adds "
+              "up, as in the show itself, make one without --transparent, on black, and set its layer to add."},
+    OptionRow{OptionId::At, time, "--at", Text, "SECONDS", "Moment of a picture or of --particles (default 5)", ""},
+    OptionRow{OptionId::From, time, "--from", Text, "SECONDS", "Moment of the first frame (default 0)", ""},
+    OptionRow{OptionId::Seconds, time, "--seconds", Text, "SECONDS", "Length of a movie or of frames (default 10)", ""},
+    OptionRow{OptionId::Fps, time, "--fps", Text, "N", "Frames per second, 1 to 240 (default 30)", ""},
+    OptionRow{OptionId::Particles, tables, "--particles", None, "",
+              "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file", ""},
+    OptionRow{OptionId::ListParameters, tables, "--list-parameters", None, "",
+              "Prints the parameters with ranges and reset positions", ""},
+    OptionRow{OptionId::Threads, program, "--threads", Text, "N", "How many threads to use (default: all)",
+              "Their number changes no byte of what is made."},
+    OptionRow{OptionId::Quiet, program, "--quiet", None, "", "Only speaks of errors", ""},
+    OptionRow{OptionId::Help, program, "--help", None, "", "Prints this help", ""},
+    OptionRow{OptionId::Version, program, "--version", None, "", "Prints the version", ""},
+};
+
+constexpr std::array statuses{
+    StatusRow{0, "done"},
+    StatusRow{1, "the output could not be written; no part of it is left, but numbered frames written before stay"},
+    StatusRow{2, "the command line cannot be carried out"},
+    StatusRow{130, "interrupted; nothing unfinished is left"},
+};
+
+constexpr std::array topics{
+    TopicRow{"Numbered frames", "They start at 0, and each is the very picture that --at gives for its moment."},
+};
+
+} // namespace
+
+std::span<const OptionRow> optionTable() {
+    return options;
+}
+
+const OptionRow& row(OptionId id) {
+    for (const OptionRow& each : options) {
+        if (each.id == id) {
+            return each;
+        }
+    }
+    return options.front(); // Every id has its row; a test says so.
+}
+
+std::span<const StatusRow> statusTable() {
+    return statuses;
+}
+
+std::span<const TopicRow> topicTable() {
+    return topics;
+}
+
+} // namespace starbloom

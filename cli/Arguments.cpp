@@ -10,8 +10,8 @@ namespace starbloom {
 namespace {
 
 void declare(CLI::App& app, const OptionRow& row) {
-    CLI::Option* option =
-        row.value == OptionValue::None ? app.add_flag(std::string(row.name)) : app.add_option(std::string(row.name));
+    const std::string name = (row.id == OptionId::Help ? "-h," : "") + std::string(row.name);
+    CLI::Option* option = row.value == OptionValue::None ? app.add_flag(name) : app.add_option(name);
     option->type_name(std::string(row.valueName));
     if (row.value == OptionValue::Setting) {
         option->take_all()->allow_extra_args(false);

@@ -51,6 +51,15 @@ Result<void> checkMemory(const Options& options, int threads) {
                  " MiB are free"};
 }
 
+bool exists(const std::filesystem::path& path) {
+    std::error_code ignored; // What cannot be looked at is made, and the reason shows up then.
+    return std::filesystem::exists(path, ignored);
+}
+
+bool isOneFile(OutputKind kind) {
+    return kind == OutputKind::Picture || kind == OutputKind::Movie;
+}
+
 ExitStatus failed(ExitStatus status, const Error& error) {
     printError(error);
     return status;
@@ -107,13 +116,15 @@ ExitStatus makeMovie(const Options& options, int threads) {
 
 ExitStatus makeFrames(const Options& options) {
     // A folder that cannot be written to is told before any work is done.
-    if (auto probe = PendingFile::create(options.framePath(0)); !probe) {
+    if (auto probe = PendingFile::create(options.framePath(options.frames.first)); !probe) {
         return failed(BadInput, probe.error());
     }
-    return finished(runFrames(options, SinkCalls::Together, [&](const RenderedFrame& frame) {
+    const auto save = [&](const RenderedFrame& frame) {
         const auto picture = encoded(frame.image, options, frame.note);
         return picture ? writeFile(options.framePath(frame.number), picture.value()) : Result<void>(picture.error());
-    }));
+    };
+    const auto wanted = [&](std::int64_t frame) { return !options.skipsExisting || !exists(options.framePath(frame)); };
+    return finished(runFrames(options, SinkCalls::Together, save, wanted));
 }
 
 template <typename Number>
@@ -194,6 +205,9 @@ ExitStatus runCommand(const Options& options) {
         for (const std::string& warning : options.warnings) {
             printError({warning});
         }
+    }
+    if (options.skipsExisting && isOneFile(options.kind) && exists(options.output)) {
+        return Done;
     }
     const int threads = options.threads > 0 ? options.threads : oneapi::tbb::info::default_concurrency();
     if (options.kind == OutputKind::Message) {

@@ -79,9 +79,8 @@ ShowNote FrameRenderer::noteAt(double moment) const {
     return note;
 }
 
-Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink& sink) {
+Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink& sink, const FrameFilter& wanted) {
     namespace tbb = oneapi::tbb;
-    const std::int64_t total = options.frameCount();
     const auto inFlight = static_cast<std::size_t>(tbb::this_task_arena::max_concurrency()) + 2;
     std::vector<ImageBuffer> images(inFlight);
     tbb::concurrent_queue<ImageBuffer*> idle;
@@ -90,13 +89,16 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
         idle.push(&image);
     }
     FrameRenderer renderer(options);
-    Progress progress(total, options.quiet);
+    Progress progress(options.frames.count(), options.quiet);
     FirstFailure failure;
-    std::int64_t next = 0;
+    std::int64_t next = options.frames.first;
 
     const auto render = [&](tbb::flow_control& flow) -> Job {
+        while (next < options.frames.end && !interrupted() && !wanted(next)) {
+            ++next;
+        }
         Job job{next++};
-        if (job.frame >= total || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
+        if (job.frame >= options.frames.end || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
             flow.stop();
             return {};
         }
@@ -114,10 +116,10 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
         }
         return job;
     };
-    std::int64_t done = 0;
+    // Frames come here in order, so those before one are done or were not wanted.
     const auto recycle = [&](Job job) {
         idle.push(job.image);
-        progress.update(++done);
+        progress.update(job.frame + 1 - options.frames.first);
     };
     const auto deliveryMode =
         calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;

@@ -65,11 +65,16 @@ enum class SinkCalls {
     Together, ///< Several at once, in any order.
 };
 
-/// Renders `options.frameCount()` frames and hands each to the sink, rendering ahead while sinks work. How threads
+/// Whether a frame of a number is to be made.
+using FrameFilter = std::function<bool(std::int64_t number)>;
+
+/// Renders the frames of `options.frames` and hands each to the sink, rendering ahead while sinks work. How threads
 /// share the work: one at a time renders (and is helped by others within the frame), the others run sinks; all come
 /// from the caller's oneTBB arena. A few frames exist at once, however many there are in all.
 ///
 /// Stops early when a sink fails, which is the result, or when the user interrupts, which is none.
-Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink& sink);
+Result<void> runFrames(
+    const Options& options, SinkCalls calls, const FrameSink& sink,
+    const FrameFilter& wanted = [](std::int64_t) { return true; });
 
 } // namespace starbloom

@@ -41,7 +41,7 @@ Result<void> checkTogether(const Arguments& arguments, const Options& options) {
         return Error{"--fade-in takes at least " + brief(shortestFadeIn) +
                      " seconds: the rate climbs in steps of so long"};
     }
-    if (isManyFrames(options) && options.frameCount() < 1) {
+    if (isManyFrames(options) && options.frames.count() < 1) {
         return Error{"--seconds " + brief(options.seconds) + " at --fps " + std::to_string(options.framesPerSecond) +
                      " is not even one frame"};
     }
@@ -59,7 +59,7 @@ void warnAboutIdleOptions(const Arguments& arguments, Options& options) {
     if (options.positions.position(Parameter::AnimateSpeed) == 0.0F && !(oneMoment && options.moment)) {
         options.warnings.emplace_back("animateSpeedSlider=0 stands still before the first rocket: nothing will show");
     }
-    for (const OptionId option : {OptionId::Fps, OptionId::Seconds}) {
+    for (const OptionId option : {OptionId::Fps, OptionId::Seconds, OptionId::Frames}) {
         if (oneMoment && arguments.given(option)) {
             options.warnings.push_back(std::string(row(option).name) +
                                        " is for movies and frames and has no effect here");

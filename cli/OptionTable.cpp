@@ -10,6 +10,7 @@ namespace {
 constexpr std::string_view show = "Show";
 constexpr std::string_view picture = "Picture";
 constexpr std::string_view time = "Time";
+constexpr std::string_view parts = "Parts of a show";
 constexpr std::string_view tables = "Tables";
 constexpr std::string_view program = "Program";
 
@@ -30,7 +31,14 @@ constexpr std::array options{
               "count more. At another --size the same sparks are drawn larger or smaller, nothing is cut off: a wider "
               "picture shows more on both sides, a taller one more above. A movie or frames start at --from, not at "
               "PICTURE's moment."},
-    OptionRow{OptionId::Size, picture, "--size", Text, "WxH", "Size of the stage in pixels (default 640x480)", ""},
+    OptionRow{
+        OptionId::Size, picture, "--size", Text, "WxH", "Size of the picture in pixels (default 640x480)",
+        "A picture is up to 65536 pixels wide and high, a movie up to 16384, each kind of clip as far as it goes, "
+        "as memory allows."},
+    OptionRow{
+        OptionId::Scale, picture, "--scale", Text, "N", "Pixels for each point of the stage, 0.01 to 100 (default 1)",
+        "Everything is drawn so much larger, and finer. With --size the picture keeps that size and shows a stage "
+        "of SIZE divided by N points; without it the stage stays and the picture grows."},
     OptionRow{OptionId::Quality, picture, "--quality", Text, "PERCENT", "Of JPEG and JPEG 2000, 5 to 100 (default 100)",
               ""},
     OptionRow{OptionId::Transparent, picture, "--transparent", None, "",
@@ -41,6 +49,13 @@ constexpr std::array options{
     OptionRow{OptionId::From, time, "--from", Text, "SECONDS", "Moment of the first frame (default 0)", ""},
     OptionRow{OptionId::Seconds, time, "--seconds", Text, "SECONDS", "Length of a movie or of frames (default 10)", ""},
     OptionRow{OptionId::Fps, time, "--fps", Text, "N", "Frames per second, 1 to 240 (default 30)", ""},
+    OptionRow{OptionId::Frames, parts, "--frames", Text, "A:B",
+              "Makes only frames A to B-1 of the whole, counted from 0",
+              "Each is the very frame that it is in the whole, and numbered files keep their numbers. A: goes to the "
+              "end, :B starts with the first. Without --seconds there is no end, so B must be told."},
+    OptionRow{OptionId::SkipExisting, parts, "--skip-existing", None, "",
+              "Leaves alone what is there already, and makes the rest",
+              "Files appear whole, so one that is there is complete; whether it is of the same show is not looked at."},
     OptionRow{OptionId::Particles, tables, "--particles", None, "",
               "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file", ""},
     OptionRow{OptionId::ListParameters, tables, "--list-parameters", None, "",

@@ -7,13 +7,13 @@
 #include "cli/Numbers.h"
 #include "cli/OptionChecks.h"
 #include "cli/OutputName.h"
+#include "cli/StageFit.h"
 #include "export/movie/MovieTiming.h"
 
 namespace starbloom {
 
 namespace {
 
-constexpr int largestSide = 65536;
 constexpr double longestShow = 1.0e6; // Seconds: eleven days.
 constexpr double longestFadeIn = 3600.0;
 constexpr int largestRate = 240;
@@ -41,22 +41,6 @@ Result<void> readNumbers(const Arguments& a, Options& options) {
                [&] { return readNumber(a, OptionId::Seed, std::uint64_t{0}, ~std::uint64_t{0}, options.seed); });
     options.quality = percent / 100.0;
     return read;
-}
-
-Result<void> readSize(const Arguments& arguments, Options& options) {
-    if (!arguments.given(OptionId::Size)) {
-        return {};
-    }
-    const std::string& text = arguments.text(OptionId::Size);
-    const auto cross = text.find_first_of("xX");
-    const auto width = parseNumber<int>(text.substr(0, cross));
-    const auto height = cross == std::string::npos ? std::nullopt : parseNumber<int>(text.substr(cross + 1));
-    if (!width || !height || *width < 1 || *height < 1 || *width > largestSide || *height > largestSide) {
-        return Error{"--size: '" + text + "' is not WIDTHxHEIGHT with both from 1 to " + std::to_string(largestSide)};
-    }
-    options.width = *width;
-    options.height = *height;
-    return {};
 }
 
 Result<void> readBackground(const Arguments& arguments, Options& options) {
@@ -108,13 +92,49 @@ Result<void> readSettings(const Arguments& arguments, Options& options) {
     return {};
 }
 
-Result<void> readLike(const Arguments& arguments, Options& options) {
+/// The show that the others are changes to.
+Result<void> readBase(const Arguments& arguments, std::optional<StageShape>& shape, Options& options) {
     if (!arguments.given(OptionId::Like)) {
         return {};
     }
-    const LikeKeeps keeps{arguments.given(OptionId::Size), arguments.given(OptionId::Seed),
-                          arguments.given(OptionId::At), arguments.given(OptionId::Background)};
-    return showLike(arguments.text(OptionId::Like), keeps, options);
+    auto like = showLike(arguments.text(OptionId::Like), options);
+    if (!like) {
+        return like.error();
+    }
+    shape = like.value();
+    if (arguments.given(OptionId::At)) {
+        options.moment.reset();
+    }
+    return {};
+}
+
+/// Which frames of the whole: "10:20", "10:" or ":20". Without a length that was asked for, the whole has no end.
+Result<void> readFrames(const Arguments& arguments, Options& options) {
+    options.frames = {0, options.frameCount()};
+    if (!arguments.given(OptionId::Frames)) {
+        return {};
+    }
+    const std::string& text = arguments.text(OptionId::Frames);
+    const auto colon = text.find(':');
+    const auto number = [&](const std::string& part, std::int64_t otherwise) {
+        return part.empty() ? otherwise : parseNumber<std::int64_t>(part).value_or(-1);
+    };
+    const std::int64_t first = number(text.substr(0, colon), 0);
+    const std::int64_t end = colon == std::string::npos ? -1 : number(text.substr(colon + 1), options.frameCount());
+    if (first < 0 || end <= first) {
+        return Error{"--frames: '" + text + "' is not A:B with A less than B, such as 0:100 for the first hundred"};
+    }
+    const bool hasEnd = arguments.given(OptionId::Seconds) || text.ends_with(':');
+    if (hasEnd && end > options.frameCount()) {
+        return Error{"--frames: " + text + " goes beyond the end: --seconds " + brief(options.seconds) + " at --fps " +
+                     std::to_string(options.framesPerSecond) + " has frames 0 to " +
+                     std::to_string(options.frameCount() - 1)};
+    }
+    if (frameTime(end, options.framesPerSecond) > longestShow) {
+        return Error{"--frames: a show is at most " + brief(longestShow) + " seconds long"};
+    }
+    options.frames = {first, end};
+    return {};
 }
 
 Result<void> tellKind(const Arguments& arguments, Options& options) {
@@ -134,14 +154,17 @@ Result<void> tellKind(const Arguments& arguments, Options& options) {
     return readOutputName(arguments.output(), options);
 }
 
-/// Looks closer at what was typed. A picture's show comes before what is given besides it.
+/// Looks closer at what was typed. The show to start from comes before what is given besides it.
 Result<void> understand(const Arguments& arguments, Options& options) {
     options.transparent = arguments.given(OptionId::Transparent);
     options.quiet = arguments.given(OptionId::Quiet);
-    auto read = inTurn([&] { return readNumbers(arguments, options); }, [&] { return readSize(arguments, options); },
-                       [&] { return readBackground(arguments, options); }, [&] { return readLike(arguments, options); },
-                       [&] { return readSettings(arguments, options); }, [&] { return tellKind(arguments, options); },
-                       [&] { return checkTogether(arguments, options); });
+    options.skipsExisting = arguments.given(OptionId::SkipExisting);
+    std::optional<StageShape> shape;
+    auto read =
+        inTurn([&] { return readBase(arguments, shape, options); }, [&] { return readNumbers(arguments, options); },
+               [&] { return fitStage(arguments, shape, options); }, [&] { return readBackground(arguments, options); },
+               [&] { return readSettings(arguments, options); }, [&] { return readFrames(arguments, options); },
+               [&] { return tellKind(arguments, options); }, [&] { return checkTogether(arguments, options); });
     if (options.transparent) {
         options.background = {0.0F, 0.0F, 0.0F, 1.0F};
     }

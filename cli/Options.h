@@ -26,6 +26,14 @@ enum class OutputKind {
     Message,       ///< The text in Options::message on standard output: help, or the version.
 };
 
+/// Frames first .. end - 1 of a show, counted from 0.
+struct FrameSpan {
+    std::int64_t first = 0;
+    std::int64_t end = 0;
+
+    std::int64_t count() const { return end - first; }
+};
+
 /// A checked command line: every number lies within its range, and the output can be told from the rest.
 struct Options {
     OutputKind kind = OutputKind::Picture;
@@ -41,6 +49,8 @@ struct Options {
     double from = 0.0;            ///< Seconds into the show of the first frame.
     double seconds = 10.0;
     int framesPerSecond = 30;
+    FrameSpan frames{0, 300}; ///< Those to be made.
+    bool skipsExisting = false;
     int width = 640; ///< Pixels.
     int height = 480;
     double pixelsPerPoint = 1.0;
@@ -55,6 +65,7 @@ struct Options {
     /// Things that are probably a mistake but harm nothing, each one line.
     std::vector<std::string> warnings;
 
+    /// Of the whole show, of which `frames` are a part.
     std::int64_t frameCount() const;
 
     /// The stage that fills the picture, in points.

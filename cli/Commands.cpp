@@ -51,7 +51,7 @@ Result<void> checkMemory(const Options& options, int threads) {
                  " MiB are free"};
 }
 
-bool exists(const std::filesystem::path& path) {
+bool isThere(const std::filesystem::path& path) {
     std::error_code ignored; // What cannot be looked at is made, and the reason shows up then.
     return std::filesystem::exists(path, ignored);
 }
@@ -123,7 +123,9 @@ ExitStatus makeFrames(const Options& options) {
         const auto picture = encoded(frame.image, options, frame.note);
         return picture ? writeFile(options.framePath(frame.number), picture.value()) : Result<void>(picture.error());
     };
-    const auto wanted = [&](std::int64_t frame) { return !options.skipsExisting || !exists(options.framePath(frame)); };
+    const auto wanted = [&](std::int64_t frame) {
+        return !options.skipsExisting || !isThere(options.framePath(frame));
+    };
     return finished(runFrames(options, SinkCalls::Together, save, wanted));
 }
 
@@ -206,7 +208,7 @@ ExitStatus runCommand(const Options& options) {
             printError({warning});
         }
     }
-    if (options.skipsExisting && isOneFile(options.kind) && exists(options.output)) {
+    if (options.skipsExisting && isOneFile(options.kind) && isThere(options.output)) {
         return Done;
     }
     const int threads = options.threads > 0 ? options.threads : oneapi::tbb::info::default_concurrency();

@@ -29,7 +29,7 @@ public:
     const Simulation& particlesAtMoment(double moment);
 
     /// `seconds` into the show, in the layer's own time.
-    double momentAt(double seconds) const { return seconds * m_speed; }
+    double momentAt(double seconds) const { return m_start + seconds * m_speed; }
 
     /// The moment of a picture or particle table, in the layer's own time.
     double pictureMoment() const;
@@ -42,6 +42,7 @@ private:
 
     double m_at;
     std::optional<double> m_moment;
+    double m_start;
     double m_speed;
     double m_pixelsPerPoint;
     Color m_background;

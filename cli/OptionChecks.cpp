@@ -45,6 +45,12 @@ Result<void> checkTogether(const Arguments& arguments, const Options& options) {
         return Error{"--seconds " + brief(options.seconds) + " at --fps " + std::to_string(options.framesPerSecond) +
                      " is not even one frame"};
     }
+    if (options.loop && !isManyFrames(options)) {
+        return Error{"--loop is for movies and frames alone"};
+    }
+    if (options.loop && options.fadeIn > 0.0) {
+        return Error{"--loop has no beginning, so it does not go with --fade-in"};
+    }
     if (options.kind == OutputKind::Movie && std::max(options.width, options.height) > largestMovieSide) {
         return Error{"--size: a movie is at most " + std::to_string(largestMovieSide) + " pixels wide and high"};
     }

@@ -49,6 +49,10 @@ constexpr std::array options{
     OptionRow{OptionId::From, time, "--from", Text, "SECONDS", "Moment of the first frame (default 0)", ""},
     OptionRow{OptionId::Seconds, time, "--seconds", Text, "SECONDS", "Length of a movie or of frames (default 10)", ""},
     OptionRow{OptionId::Fps, time, "--fps", Text, "N", "Frames per second, 1 to 240 (default 30)", ""},
+    OptionRow{
+        OptionId::Loop, time, "--loop", None, "", "Makes a movie or frames that can be played round and round",
+        "The first frame follows the last as any frame follows the one before. A round lasts --seconds; the rocket "
+        "rate gives way a little, so that a whole number of rockets starts in it."},
     OptionRow{OptionId::Frames, parts, "--frames", Text, "A:B",
               "Makes only frames A to B-1 of the whole, counted from 0",
               "Each is the very frame that it is in the whole, and numbered files keep their numbers. A: goes to the "

@@ -124,7 +124,7 @@ Result<void> readFrames(const Arguments& arguments, Options& options) {
     if (first < 0 || end <= first) {
         return Error{"--frames: '" + text + "' is not A:B with A less than B, such as 0:100 for the first hundred"};
     }
-    const bool hasEnd = arguments.given(OptionId::Seconds) || text.ends_with(':');
+    const bool hasEnd = arguments.given(OptionId::Seconds) || options.loop || text.ends_with(':');
     if (hasEnd && end > options.frameCount()) {
         return Error{"--frames: " + text + " goes beyond the end: --seconds " + brief(options.seconds) + " at --fps " +
                      std::to_string(options.framesPerSecond) + " has frames 0 to " +
@@ -158,6 +158,7 @@ Result<void> tellKind(const Arguments& arguments, Options& options) {
 Result<void> understand(const Arguments& arguments, Options& options) {
     options.transparent = arguments.given(OptionId::Transparent);
     options.quiet = arguments.given(OptionId::Quiet);
+    options.loop = arguments.given(OptionId::Loop);
     options.skipsExisting = arguments.given(OptionId::SkipExisting);
     std::optional<StageShape> shape;
     auto read =

@@ -50,6 +50,7 @@ struct Options {
     double seconds = 10.0;
     int framesPerSecond = 30;
     FrameSpan frames{0, 300}; ///< Those to be made.
+    bool loop = false;        ///< The whole is one round of a show that repeats.
     bool skipsExisting = false;
     int width = 640; ///< Pixels.
     int height = 480;

@@ -6,6 +6,7 @@
 #include "export/picture/PngCodec.h"
 #include "resources/Resources.h"
 
+#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -31,8 +32,21 @@ ShowNote noteOf(const RequestedShow& requested, const Options& options) {
     note.pixelsPerPoint = options.pixelsPerPoint;
     note.launchPoint = requested.show.changes.front().plan.emitterPosition;
     note.background = options.background;
-    note.steady = requested.show.changes.size() == 1;
+    note.steady = requested.show.changes.size() == 1 && !options.loop;
     return note;
+}
+
+/// Makes a steady show one whose frame after the last would be the first again.
+void makeLoop(RequestedShow& requested, const Options& options) {
+    EmitterPlan& plan = requested.show.changes.front().plan;
+    const double round = frameTime(options.frameCount(), options.framesPerSecond) * requested.speed;
+    if (!(round > 0.0)) {
+        return; // At speed 0 each frame is like the others.
+    }
+    plan.repeatEvery(round);
+    AncestryBound ancestry;
+    ancestry.include(plan);
+    requested.start = std::ceil(ancestry.longest() / round) * round;
 }
 
 } // namespace
@@ -56,6 +70,9 @@ RequestedShow buildShow(const Options& options) {
         }
     } else {
         requested.show.changes.push_back({0.0, planOf(controller, options)});
+    }
+    if (options.loop) {
+        makeLoop(requested, options);
     }
     requested.note = noteOf(requested, options);
     return requested;

@@ -19,6 +19,9 @@ public:
     /// The latest moment whose births have left nothing behind by `time`, neither themselves nor a descendant.
     double forgottenBy(double time) const;
 
+    /// How long anything and its descendants live at most.
+    double longest() const { return -forgottenBy(0.0); }
+
 private:
     std::vector<float> m_lifetimes; ///< Per cell of the plans.
     double m_seconds = 0.0;

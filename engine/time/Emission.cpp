@@ -6,11 +6,12 @@
 
 namespace starbloom {
 
-Emission::Emission(ParticleKey emitter, int childSlot, double begin, double end, double rate)
+Emission::Emission(ParticleKey emitter, int childSlot, double begin, double end, double rate, std::uint64_t round)
     : m_emitter(emitter)
     , m_childSlot(childSlot)
     , m_end(end)
     , m_rate(rate)
+    , m_round(round)
     , m_segmentStart(begin) {
     findNext();
 }
@@ -60,7 +61,8 @@ void Emission::findNext() {
         m_nextTime = never;
         return;
     }
-    m_nextKey = birthKey(m_emitter, static_cast<std::uint64_t>(m_childSlot), m_nextIndex);
+    const std::uint64_t index = m_round == 0 ? m_nextIndex : m_nextIndex % m_round;
+    m_nextKey = birthKey(m_emitter, static_cast<std::uint64_t>(m_childSlot), index);
     const double phase = static_cast<double>(m_nextIndex) + uniform(m_nextKey, Draw::Moment);
     // Rounding may place a birth that is due at the very start of a segment a last bit before it.
     const double time = m_segmentStart + std::max(phase - m_segmentPhase, 0.0) / m_rate;

@@ -18,8 +18,8 @@ namespace starbloom {
 class Emission {
 public:
     /// A stream that starts at `begin` and ends before `end`, both in the layer's own time. `emitter` and `childSlot`
-    /// say whose births these are.
-    Emission(ParticleKey emitter, int childSlot, double begin, double end, double rate);
+    /// say whose births these are. With a `round` the births after so many are the same ones again.
+    Emission(ParticleKey emitter, int childSlot, double begin, double end, double rate, std::uint64_t round = 0);
 
     /// A birth that has come due.
     struct Birth {
@@ -49,6 +49,7 @@ private:
     int m_childSlot;
     double m_end;
     double m_rate;
+    std::uint64_t m_round;
     double m_segmentStart;       ///< Since when the rate has been in force (or will be).
     double m_segmentPhase = 0.0; ///< The phase at that moment.
     std::uint64_t m_nextIndex = 0;

@@ -90,7 +90,8 @@ bool operator==(const CellPlan& a, const CellPlan& b) {
            a.velocityRange == b.velocityRange && a.yAcceleration == b.yAcceleration && same(a.axis, b.axis) &&
            a.coneDepth == b.coneDepth && a.scale == b.scale && a.scaleRange == b.scaleRange &&
            a.scaleSpeed == b.scaleSpeed && a.spin == b.spin && a.color == b.color && a.colorRange == b.colorRange &&
-           a.colorSpeed == b.colorSpeed && a.beginTime == b.beginTime && a.duration == b.duration && a.image == b.image;
+           a.colorSpeed == b.colorSpeed && a.beginTime == b.beginTime && a.duration == b.duration &&
+           a.birthsPerRound == b.birthsPerRound && a.image == b.image;
 }
 
 EmitterPlan EmitterPlan::of(const EmitterLayer& layer) {
@@ -103,9 +104,21 @@ EmitterPlan EmitterPlan::of(const EmitterLayer& layer) {
     return plan;
 }
 
+void EmitterPlan::repeatEvery(double seconds) {
+    for (CellPlan& cell : cells) {
+        if (cell.parent >= 0 || cell.birthRate == 0.0 || !(seconds > 0.0)) {
+            continue;
+        }
+        const double births = std::clamp(std::round(cell.birthRate * seconds), 1.0, 1.0e15);
+        cell.birthsPerRound = static_cast<std::uint64_t>(births);
+        cell.birthRate = births / seconds;
+    }
+}
+
 bool EmitterPlan::hasSameShapeAs(const EmitterPlan& other) const {
     return std::ranges::equal(cells, other.cells, [](const CellPlan& a, const CellPlan& b) {
-        return a.parent == b.parent && a.childSlot == b.childSlot && a.children == b.children;
+        return a.parent == b.parent && a.childSlot == b.childSlot && a.children == b.children &&
+               a.birthsPerRound == b.birthsPerRound;
     });
 }
 

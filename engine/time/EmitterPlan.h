@@ -5,6 +5,7 @@
 #include "engine/model/EmitterLayer.h"
 #include "engine/time/Vector3.h"
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -31,8 +32,9 @@ struct CellPlan {
     Color color;
     Color colorRange;
     Color colorSpeed;
-    double beginTime = 0.0; ///< Never negative.
-    double duration = 0.0;  ///< 0: until the emitter's particle dies.
+    double beginTime = 0.0;           ///< Never negative.
+    std::uint64_t birthsPerRound = 0; ///< Of a top cell: after so many births the same come again; 0: never.
+    double duration = 0.0;            ///< 0: until the emitter's particle dies.
     std::shared_ptr<const SparkImage> image;
 
     friend bool operator==(const CellPlan& a, const CellPlan& b);
@@ -48,7 +50,11 @@ struct EmitterPlan {
     /// layer's own time.
     static EmitterPlan of(const EmitterLayer& layer);
 
-    /// Whether both have the same cells in the same places, whatever their numbers.
+    /// Lets the births of the top cells, and so the whole show, come again every `seconds` of the layer's time, once
+    /// the first particles have died. The rates give way a little: births of a round are a whole number, at least one.
+    void repeatEvery(double seconds);
+
+    /// Whether both have the same cells in the same places, repeated alike, whatever their numbers.
     bool hasSameShapeAs(const EmitterPlan& other) const;
 
     friend bool operator==(const EmitterPlan&, const EmitterPlan&) = default;

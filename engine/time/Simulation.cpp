@@ -67,7 +67,8 @@ void Simulation::restart() {
     for (const CellPlan& cell : m_plan.cells) {
         const double begin = m_time + cell.beginTime;
         const double end = cell.duration > 0.0 ? begin + cell.duration : forever;
-        m_topEmissions.emplace_back(m_source.key, cell.childSlot, begin, end, cell.parent < 0 ? cell.birthRate : 0.0);
+        m_topEmissions.emplace_back(m_source.key, cell.childSlot, begin, end, cell.parent < 0 ? cell.birthRate : 0.0,
+                                    cell.birthsPerRound);
     }
     m_populations.assign(count, {});
     m_sparks.clear();

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/FramePipeline.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <tuple>
+#include <vector>
+
+namespace starbloom {
+
+namespace {
+
+/// A small lively show of three seconds.
+Options livelyOptions() {
+    Options options;
+    options.width = 160;
+    options.height = 120;
+    options.pixelsPerPoint = 0.25;
+    options.seconds = 3.0;
+    options.framesPerSecond = 20;
+    options.frames = {0, options.frameCount()};
+    options.positions.setPosition(Parameter::RocketBirth, 12.0F);
+    return options;
+}
+
+std::vector<ImageBuffer> framesOf(const Options& options) {
+    std::vector<ImageBuffer> frames;
+    const auto keep = [&](const RenderedFrame& frame) {
+        frames.push_back(frame.image);
+        return Result<void>();
+    };
+    EXPECT_TRUE(runFrames(options, SinkCalls::InOrder, keep));
+    return frames;
+}
+
+double meanDifference(const ImageBuffer& a, const ImageBuffer& b) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < a.bytes().size(); ++i) {
+        sum += std::abs(a.bytes()[i] - b.bytes()[i]);
+    }
+    return sum / static_cast<double>(a.bytes().size());
+}
+
+struct Seam {
+    double least;
+    double most;
+    double atTheSeam;
+
+    bool isSmooth() const { return least <= atTheSeam && atTheSeam <= most; }
+};
+
+Seam seamOf(const std::vector<ImageBuffer>& frames) {
+    std::vector<double> differences;
+    for (std::size_t i = 1; i < frames.size(); ++i) {
+        differences.push_back(meanDifference(frames[i - 1], frames[i]));
+    }
+    const auto [least, most] = std::ranges::minmax(differences);
+    return {least, most, meanDifference(frames.back(), frames.front())};
+}
+
+TEST(FrameRenderer, ALoopGoesOnFromItsLastFrameToItsFirst) {
+    Options options = livelyOptions();
+    EXPECT_FALSE(seamOf(framesOf(options)).isSmooth()) << "without a loop, or this test can see nothing";
+    options.loop = true;
+    for (const double seconds : {0.4, 3.0}) {
+        options.seconds = seconds;
+        options.frames = {0, options.frameCount()};
+        const Seam seam = seamOf(framesOf(options));
+        EXPECT_TRUE(seam.isSmooth()) << seconds << ": " << seam.least << ' ' << seam.atTheSeam << ' ' << seam.most;
+    }
+}
+
+TEST(FrameRenderer, ALoopHasTheSameParticlesInEachRound) {
+    Options options = livelyOptions();
+    options.loop = true;
+    options.seconds = 1.7;
+    options.positions.setPosition(Parameter::AnimateSpeed, 80.0F);
+    using Place = std::tuple<int, float, float>;
+    FrameRenderer renderer(options);
+    const auto placesAt = [&](double seconds) {
+        std::vector<Place> places;
+        const Simulation& simulation = renderer.particlesAtMoment(renderer.momentAt(seconds));
+        for (const SparkBatch& batch : simulation.sparks()) {
+            for (std::size_t i = 0; i < batch.size(); ++i) {
+                if (const auto state = batch.stateAt(i, simulation.time())) {
+                    places.emplace_back(batch.law().cell, state->x, state->y);
+                }
+            }
+        }
+        std::ranges::sort(places);
+        return places;
+    };
+    const std::vector<Place> first = placesAt(0.35);
+    const std::vector<Place> second = placesAt(0.35 + 1.7);
+    ASSERT_GT(first.size(), 1000U);
+    ASSERT_EQ(second.size(), first.size());
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        ASSERT_NEAR(std::get<1>(second[i]), std::get<1>(first[i]), 0.001);
+    }
+}
+
+TEST(FrameRenderer, APartHasTheFramesOfTheWhole) {
+    Options options = livelyOptions();
+    options.from = 2.0;
+    options.fadeIn = 1.0;
+    const auto whole = framesOf(options);
+    options.frames = {31, 34};
+    const auto part = framesOf(options);
+    EXPECT_EQ(part, std::vector<ImageBuffer>(whole.begin() + 31, whole.begin() + 34));
+}
+
+} // namespace
+
+} // namespace starbloom

@@ -41,6 +41,7 @@ Result<void> checkMemory(const Options& options, int threads) {
     } else if (options.kind == OutputKind::Frames) {
         perPixel *= inFlight;
     }
+    perPixel += options.shutter > 0.0 ? 12 : 0;
     const auto available = availableMemory();
     const std::uint64_t needed = pixels * perPixel;
     if (!available || needed <= *available) {
@@ -116,7 +117,7 @@ ExitStatus makeMovie(const Options& options, int threads) {
 
 ExitStatus makeFrames(const Options& options) {
     // A folder that cannot be written to is told before any work is done.
-    if (auto probe = PendingFile::create(options.framePath(options.frames.first)); !probe) {
+    if (auto probe = PendingFile::create(options.framePath(options.frames().first)); !probe) {
         return failed(BadInput, probe.error());
     }
     const auto save = [&](const RenderedFrame& frame) {

@@ -59,13 +59,31 @@ FrameRenderer::FrameRenderer(const Options& options, RequestedShow&& requested)
     , m_pixelsPerPoint(options.pixelsPerPoint)
     , m_background(options.background)
     , m_note(std::move(requested.note))
-    , m_player(std::move(requested.show)) {}
+    , m_player(requested.show)
+    , m_exposure(options.shutter / options.framesPerSecond * requested.speed) {
+    if (m_exposure > 0.0) {
+        m_blurSteps.emplace(std::move(requested.show), m_exposure, m_pixelsPerPoint);
+    }
+}
 
 const Simulation& FrameRenderer::particlesAtMoment(double moment) {
     return m_player.at(moment);
 }
 
 void FrameRenderer::renderMoment(double moment, ImageBuffer& image) {
+    const int steps = m_blurSteps ? m_blurSteps->at(moment) : 1;
+    if (steps == 1) {
+        drawAt(moment, image);
+        return;
+    }
+    for (int step = 0; step < steps; ++step) {
+        drawAt(moment + m_exposure * (step + 0.5) / steps, image);
+        m_average.add(image);
+    }
+    m_average.take(image);
+}
+
+void FrameRenderer::drawAt(double moment, ImageBuffer& image) {
     const Simulation& simulation = particlesAtMoment(moment);
     m_renderer.render(simulation.sparks(), {moment, m_pixelsPerPoint, m_background}, RasterTarget::of(image));
 }
@@ -90,16 +108,16 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
         idle.push(&image);
     }
     FrameRenderer renderer(options);
-    Progress progress(options.frames.count(), options.quiet);
+    Progress progress(options.frames().count(), options.quiet);
     FirstFailure failure;
-    std::int64_t next = options.frames.first;
+    std::int64_t next = options.frames().first;
 
     const auto render = [&](tbb::flow_control& flow) -> Job {
-        while (next < options.frames.end && !interrupted() && !wanted(next)) {
+        while (next < options.frames().end && !interrupted() && !wanted(next)) {
             ++next;
         }
         Job job{next++};
-        if (job.frame >= options.frames.end || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
+        if (job.frame >= options.frames().end || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
             flow.stop();
             return {};
         }
@@ -120,7 +138,7 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
     // Frames come here in order, so those before one are done or were not wanted.
     const auto recycle = [&](Job job) {
         idle.push(job.image);
-        progress.update(job.frame + 1 - options.frames.first);
+        progress.update(job.frame + 1 - options.frames().first);
     };
     const auto deliveryMode =
         calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;

@@ -3,6 +3,7 @@
 
 #include "base/ImageBuffer.h"
 #include "base/Result.h"
+#include "cli/MotionBlur.h"
 #include "cli/Options.h"
 #include "cli/ShowBuilder.h"
 #include "engine/raster/RasterRenderer.h"
@@ -15,7 +16,7 @@
 
 namespace starbloom {
 
-/// Renders the frames of a show, each at its own moment.
+/// Renders the frames of a show, each at its own moment, or as its shutter sees it from that moment on.
 class FrameRenderer {
 public:
     explicit FrameRenderer(const Options& options);
@@ -39,6 +40,7 @@ public:
 
 private:
     FrameRenderer(const Options& options, RequestedShow&& requested);
+    void drawAt(double moment, ImageBuffer& image);
 
     double m_at;
     std::optional<double> m_moment;
@@ -49,6 +51,9 @@ private:
     ShowNote m_note;
     ShowPlayer m_player;
     RasterRenderer m_renderer;
+    double m_exposure; ///< Seconds of the layer's own time; 0 without a shutter.
+    std::optional<BlurSteps> m_blurSteps;
+    LightAverage m_average;
 };
 
 /// One frame of several, for a sink, which may change the picture and keep it until its call returns.
@@ -69,7 +74,7 @@ enum class SinkCalls {
 /// Whether a frame of a number is to be made.
 using FrameFilter = std::function<bool(std::int64_t number)>;
 
-/// Renders the frames of `options.frames` and hands each to the sink, rendering ahead while sinks work. How threads
+/// Renders the frames of `options.frames()` and hands each to the sink, rendering ahead while sinks work. How threads
 /// share the work: one at a time renders (and is helped by others within the frame), the others run sinks; all come
 /// from the caller's oneTBB arena. A few frames exist at once, however many there are in all.
 ///

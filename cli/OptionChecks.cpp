@@ -41,7 +41,7 @@ Result<void> checkTogether(const Arguments& arguments, const Options& options) {
         return Error{"--fade-in takes at least " + brief(shortestFadeIn) +
                      " seconds: the rate climbs in steps of so long"};
     }
-    if (isManyFrames(options) && options.frames.count() < 1) {
+    if (isManyFrames(options) && options.frames().count() < 1) {
         return Error{"--seconds " + brief(options.seconds) + " at --fps " + std::to_string(options.framesPerSecond) +
                      " is not even one frame"};
     }
@@ -66,7 +66,8 @@ void warnAboutIdleOptions(const Arguments& arguments, Options& options) {
         options.warnings.emplace_back("animateSpeedSlider=0 stands still before the first rocket: nothing will show");
     }
     for (const OptionId option : {OptionId::Fps, OptionId::Seconds, OptionId::Frames}) {
-        if (oneMoment && arguments.given(option)) {
+        const bool exposes = option == OptionId::Fps && options.shutter > 0.0;
+        if (oneMoment && !exposes && arguments.given(option)) {
             options.warnings.push_back(std::string(row(option).name) +
                                        " is for movies and frames and has no effect here");
         }

@@ -16,60 +16,58 @@ constexpr std::string_view program = "Program";
 
 using enum OptionValue;
 
-constexpr std::array options{
-    OptionRow{OptionId::Set, show, "--set", Setting, "NAME=POSITION",
-              "Moves one of the fourteen parameters; may be given again for others",
-              "--list-parameters shows their names and ranges."},
-    OptionRow{OptionId::Seed, show, "--seed", Text, "N", "Another number gives another show (default 1)", ""},
-    OptionRow{OptionId::FadeIn, show, "--fade-in", Text, "SECONDS",
-              "Lets the rocket rate climb from --from on, for about so long", ""},
-    OptionRow{OptionId::Background, show, "--background", Text, "RRGGBB", "Colour behind the show (default 000000)",
-              ""},
-    OptionRow{OptionId::Like, show, "--like", File, "PICTURE",
-              "Renders the show that another picture of this program was taken from",
-              "Takes the positions, seed, moment, size and background from PICTURE; options that are given besides it "
-              "count more. At another --size the same sparks are drawn larger or smaller, nothing is cut off: a wider "
-              "picture shows more on both sides, a taller one more above. A movie or frames start at --from, not at "
-              "PICTURE's moment."},
-    OptionRow{
-        OptionId::Size, picture, "--size", Text, "WxH", "Size of the picture in pixels (default 640x480)",
-        "A picture is up to 65536 pixels wide and high, a movie up to 16384, each kind of clip as far as it goes, "
-        "as memory allows."},
-    OptionRow{
-        OptionId::Scale, picture, "--scale", Text, "N", "Pixels for each point of the stage, 0.01 to 100 (default 1)",
-        "Everything is drawn so much larger, and finer. With --size the picture keeps that size and shows a stage "
-        "of SIZE divided by N points; without it the stage stays and the picture grows."},
-    OptionRow{OptionId::Quality, picture, "--quality", Text, "PERCENT", "Of JPEG and JPEG 2000, 5 to 100 (default 100)",
-              ""},
-    OptionRow{OptionId::Transparent, picture, "--transparent", None, "",
-              "Light on nothing: PNG, TIFF or JPEG 2000 with alpha, no background",
-              "In an editor, such a picture glows on any layer below it in the normal mode (over). For light that adds "
-              "up, as in the show itself, make one without --transparent, on black, and set its layer to add."},
-    OptionRow{OptionId::At, time, "--at", Text, "SECONDS", "Moment of a picture or of --particles (default 5)", ""},
-    OptionRow{OptionId::From, time, "--from", Text, "SECONDS", "Moment of the first frame (default 0)", ""},
-    OptionRow{OptionId::Seconds, time, "--seconds", Text, "SECONDS", "Length of a movie or of frames (default 10)", ""},
-    OptionRow{OptionId::Fps, time, "--fps", Text, "N", "Frames per second, 1 to 240 (default 30)", ""},
-    OptionRow{
-        OptionId::Loop, time, "--loop", None, "", "Makes a movie or frames that can be played round and round",
-        "The first frame follows the last as any frame follows the one before. A round lasts --seconds; the rocket "
-        "rate gives way a little, so that a whole number of rockets starts in it."},
-    OptionRow{OptionId::Frames, parts, "--frames", Text, "A:B",
-              "Makes only frames A to B-1 of the whole, counted from 0",
-              "Each is the very frame that it is in the whole, and numbered files keep their numbers. A: goes to the "
-              "end, :B starts with the first. Without --seconds there is no end, so B must be told."},
-    OptionRow{OptionId::SkipExisting, parts, "--skip-existing", None, "",
-              "Leaves alone what is there already, and makes the rest",
-              "Files appear whole, so one that is there is complete; whether it is of the same show is not looked at."},
-    OptionRow{OptionId::Particles, tables, "--particles", None, "",
-              "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file", ""},
-    OptionRow{OptionId::ListParameters, tables, "--list-parameters", None, "",
-              "Prints the parameters with ranges and reset positions", ""},
-    OptionRow{OptionId::Threads, program, "--threads", Text, "N", "How many threads to use (default: all)",
-              "Their number changes no byte of what is made."},
-    OptionRow{OptionId::Quiet, program, "--quiet", None, "", "Only speaks of errors", ""},
-    OptionRow{OptionId::Help, program, "--help", None, "", "Prints this help", ""},
-    OptionRow{OptionId::Version, program, "--version", None, "", "Prints the version", ""},
-};
+constexpr auto options = std::to_array<OptionRow>({
+    {OptionId::Set, show, "--set", Setting, "NAME=POSITION",
+     "Moves one of the fourteen parameters; may be given again for others",
+     "--list-parameters shows their names and ranges."},
+    {OptionId::Seed, show, "--seed", Text, "N", "Another number gives another show (default 1)", ""},
+    {OptionId::FadeIn, show, "--fade-in", Text, "SECONDS",
+     "Lets the rocket rate climb from --from on, for about so long", ""},
+    {OptionId::Background, show, "--background", Text, "RRGGBB", "Colour behind the show (default 000000)", ""},
+    {OptionId::Like, show, "--like", File, "PICTURE",
+     "Renders the show that another picture of this program was taken from",
+     "Takes the positions, seed, moment, size and background from PICTURE; options that are given besides it "
+     "count more. At another --size the same sparks are drawn larger or smaller, nothing is cut off: a wider "
+     "picture shows more on both sides, a taller one more above. A movie or frames start at --from, not at "
+     "PICTURE's moment."},
+    {OptionId::Size, picture, "--size", Text, "WxH", "Size of the picture in pixels (default 640x480)",
+     "A picture is up to 65536 pixels wide and high, a movie up to 16384, each kind of clip as far as it goes, "
+     "as memory allows."},
+    {OptionId::Scale, picture, "--scale", Text, "N", "Pixels for each point of the stage, 0.01 to 100 (default 1)",
+     "Everything is drawn so much larger, and finer. With --size the picture keeps that size and shows a stage "
+     "of SIZE divided by N points; without it the stage stays and the picture grows."},
+    {OptionId::Quality, picture, "--quality", Text, "PERCENT", "Of JPEG and JPEG 2000, 5 to 100 (default 100)", ""},
+    {OptionId::Transparent, picture, "--transparent", None, "",
+     "Light on nothing: PNG, TIFF or JPEG 2000 with alpha, no background",
+     "In an editor, such a picture glows on any layer below it in the normal mode (over). For light that adds "
+     "up, as in the show itself, make one without --transparent, on black, and set its layer to add."},
+    {OptionId::At, time, "--at", Text, "SECONDS", "Moment of a picture or of --particles (default 5)", ""},
+    {OptionId::From, time, "--from", Text, "SECONDS", "Moment of the first frame (default 0)", ""},
+    {OptionId::Seconds, time, "--seconds", Text, "SECONDS", "Length of a movie or of frames (default 10)", ""},
+    {OptionId::Fps, time, "--fps", Text, "N", "Frames per second, 1 to 240 (default 30)", ""},
+    {OptionId::Shutter, time, "--shutter", Text, "FRACTION",
+     "Blurs what moves: how much of a frame's time the shutter is open, 0 to 1 (default 0)",
+     "Each frame is the mean, in light, of as many moments as it takes for no spark to move by more than a pixel from "
+     "one to the next, 64 at most. 0.5 looks as film does. A picture takes its frame's time from --fps."},
+    {OptionId::Loop, time, "--loop", None, "", "Makes a movie or frames that can be played round and round",
+     "The first frame follows the last as any frame follows the one before. A round lasts --seconds; the rocket "
+     "rate gives way a little, so that a whole number of rockets starts in it."},
+    {OptionId::Frames, parts, "--frames", Text, "A:B", "Makes only frames A to B-1 of the whole, counted from 0",
+     "Each is the very frame that it is in the whole, and numbered files keep their numbers. A: goes to the "
+     "end, :B starts with the first. Without --seconds there is no end, so B must be told."},
+    {OptionId::SkipExisting, parts, "--skip-existing", None, "",
+     "Leaves alone what is there already, and makes the rest",
+     "Files appear whole, so one that is there is complete; whether it is of the same show is not looked at."},
+    {OptionId::Particles, tables, "--particles", None, "",
+     "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file", ""},
+    {OptionId::ListParameters, tables, "--list-parameters", None, "",
+     "Prints the parameters with ranges and reset positions", ""},
+    {OptionId::Threads, program, "--threads", Text, "N", "How many threads to use (default: all)",
+     "Their number changes no byte of what is made."},
+    {OptionId::Quiet, program, "--quiet", None, "", "Only speaks of errors", ""},
+    {OptionId::Help, program, "--help", None, "", "Prints this help", ""},
+    {OptionId::Version, program, "--version", None, "", "Prints the version", ""},
+});
 
 constexpr std::array statuses{
     StatusRow{0, "done"},

@@ -22,6 +22,7 @@ enum class OptionId : std::size_t {
     From,
     Seconds,
     Fps,
+    Shutter,
     Loop,
     Frames,
     SkipExisting,

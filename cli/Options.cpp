@@ -36,6 +36,7 @@ Result<void> readNumbers(const Arguments& a, Options& options) {
                [&] { return readNumber(a, OptionId::Seconds, 0.0, longestShow, options.seconds); },
                [&] { return readNumber(a, OptionId::FadeIn, 0.0, longestFadeIn, options.fadeIn); },
                [&] { return readNumber(a, OptionId::Fps, 1, largestRate, options.framesPerSecond); },
+               [&] { return readNumber(a, OptionId::Shutter, 0.0, 1.0, options.shutter); },
                [&] { return readNumber(a, OptionId::Threads, 0, mostThreads, options.threads); },
                [&] { return readNumber(a, OptionId::Quality, 5, 100, percent); },
                [&] { return readNumber(a, OptionId::Seed, std::uint64_t{0}, ~std::uint64_t{0}, options.seed); });
@@ -110,7 +111,6 @@ Result<void> readBase(const Arguments& arguments, std::optional<StageShape>& sha
 
 /// Which frames of the whole: "10:20", "10:" or ":20". Without a length that was asked for, the whole has no end.
 Result<void> readFrames(const Arguments& arguments, Options& options) {
-    options.frames = {0, options.frameCount()};
     if (!arguments.given(OptionId::Frames)) {
         return {};
     }
@@ -133,7 +133,7 @@ Result<void> readFrames(const Arguments& arguments, Options& options) {
     if (frameTime(end, options.framesPerSecond) > longestShow) {
         return Error{"--frames: a show is at most " + brief(longestShow) + " seconds long"};
     }
-    options.frames = {first, end};
+    options.part = FrameSpan{first, end};
     return {};
 }
 

@@ -49,8 +49,9 @@ struct Options {
     double from = 0.0;            ///< Seconds into the show of the first frame.
     double seconds = 10.0;
     int framesPerSecond = 30;
-    FrameSpan frames{0, 300}; ///< Those to be made.
-    bool loop = false;        ///< The whole is one round of a show that repeats.
+    double shutter = 0.0;          ///< How much of a frame's time the shutter is open; 0: each frame is one moment.
+    std::optional<FrameSpan> part; ///< Which frames of the whole to make; nothing: all.
+    bool loop = false;             ///< The whole is one round of a show that repeats.
     bool skipsExisting = false;
     int width = 640; ///< Pixels.
     int height = 480;
@@ -66,8 +67,11 @@ struct Options {
     /// Things that are probably a mistake but harm nothing, each one line.
     std::vector<std::string> warnings;
 
-    /// Of the whole show, of which `frames` are a part.
+    /// Of the whole show.
     std::int64_t frameCount() const;
+
+    /// Those to be made.
+    FrameSpan frames() const { return part.value_or(FrameSpan{0, frameCount()}); }
 
     /// The stage that fills the picture, in points.
     Size stage() const;

@@ -22,7 +22,6 @@ Options livelyOptions() {
     options.pixelsPerPoint = 0.25;
     options.seconds = 3.0;
     options.framesPerSecond = 20;
-    options.frames = {0, options.frameCount()};
     options.positions.setPosition(Parameter::RocketBirth, 12.0F);
     return options;
 }
@@ -68,7 +67,6 @@ TEST(FrameRenderer, ALoopGoesOnFromItsLastFrameToItsFirst) {
     options.loop = true;
     for (const double seconds : {0.4, 3.0}) {
         options.seconds = seconds;
-        options.frames = {0, options.frameCount()};
         const Seam seam = seamOf(framesOf(options));
         EXPECT_TRUE(seam.isSmooth()) << seconds << ": " << seam.least << ' ' << seam.atTheSeam << ' ' << seam.most;
     }
@@ -108,9 +106,46 @@ TEST(FrameRenderer, APartHasTheFramesOfTheWhole) {
     options.from = 2.0;
     options.fadeIn = 1.0;
     const auto whole = framesOf(options);
-    options.frames = {31, 34};
+    options.part = FrameSpan{31, 34};
     const auto part = framesOf(options);
     EXPECT_EQ(part, std::vector<ImageBuffer>(whole.begin() + 31, whole.begin() + 34));
+}
+
+TEST(FrameRenderer, AShutterSmearsWhatMovesAndKeepsItsLight) {
+    Options options = livelyOptions();
+    options.framesPerSecond = 10;
+    const auto sharp = framesOf(options);
+    options.shutter = 1.0;
+    const auto blurred = framesOf(options);
+    // The light of a whole frame's time comes close to that of two moments around it; its peaks do not.
+    const auto light = [](const ImageBuffer& image) {
+        double sum = 0.0;
+        for (std::size_t i = 0; i < image.bytes().size(); i += i % 4 == 2 ? 2 : 1) {
+            sum += std::pow(image.bytes()[i] / 255.0, 2.2);
+        }
+        return sum;
+    };
+    const auto lit = [](const ImageBuffer& image) {
+        return std::ranges::count_if(image.bytes(), [](std::uint8_t value) { return value > 3 && value < 255; });
+    };
+    const std::size_t frame = 28;
+    const double around = (light(sharp[frame]) + light(sharp[frame + 1])) / 2.0;
+    EXPECT_NEAR(light(blurred[frame]) / around, 1.0, 0.15);
+    EXPECT_GT(lit(blurred[frame]), lit(sharp[frame]) * 5 / 4);
+    EXPECT_EQ(blurred[0], sharp[0]) << "nothing is there to move yet";
+}
+
+TEST(FrameRenderer, BlurTakesAStepAPixel) {
+    const RequestedShow requested = buildShow(livelyOptions());
+    const auto stepsOf = [&](double exposure, double pixelsPerPoint) {
+        return BlurSteps(requested.show, exposure, pixelsPerPoint).at(2.5);
+    };
+    // Burst sparks set off at 130 points a second, trails fall at up to 600.
+    EXPECT_GE(stepsOf(0.02, 4.0), 11);
+    EXPECT_LE(stepsOf(0.02, 4.0), 49);
+    EXPECT_NEAR(stepsOf(0.02, 4.0), 2 * stepsOf(0.02, 2.0), 2);
+    EXPECT_EQ(stepsOf(0.05, 0.01), 12) << "for the flicker of what hardly moves";
+    EXPECT_EQ(stepsOf(1.0, 10.0), BlurSteps::most);
 }
 
 } // namespace

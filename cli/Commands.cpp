@@ -4,6 +4,8 @@
 #include "base/PendingFile.h"
 #include "cli/FramePipeline.h"
 #include "cli/Interruption.h"
+#include "cli/Report.h"
+#include "cli/ShowFile.h"
 #include "engine/model/FireworksTree.h"
 #include "export/movie/MemoryCheck.h"
 #include "export/movie/MovieWriter.h"
@@ -62,7 +64,7 @@ bool isOneFile(OutputKind kind) {
 }
 
 ExitStatus failed(ExitStatus status, const Error& error) {
-    printError(error);
+    reportError(error.message);
     return status;
 }
 
@@ -177,6 +179,16 @@ ExitStatus printParticles(const Options& options) {
     return print(text);
 }
 
+ExitStatus writeShowFile(const Options& options) {
+    auto file = PendingFile::create(options.showFile);
+    if (!file) {
+        return failed(BadInput, file.error());
+    }
+    const std::string text = showFileText(options);
+    auto written = file.value().write(std::as_bytes(std::span(text)));
+    return finished(written ? file.value().commit() : written);
+}
+
 ExitStatus printParameters() {
     std::string text;
     std::array<char, 256> line{};
@@ -197,16 +209,10 @@ ExitStatus printParameters() {
 
 } // namespace
 
-void printError(const Error& error) {
-    std::string line = error.message;
-    std::ranges::replace(line, '\n', ' ');
-    std::fprintf(stderr, "starbloom-render: %s\n", line.c_str());
-}
-
 ExitStatus runCommand(const Options& options) {
     if (!options.quiet) {
         for (const std::string& warning : options.warnings) {
-            printError({warning});
+            reportWarning(warning);
         }
     }
     if (options.skipsExisting && isOneFile(options.kind) && isThere(options.output)) {
@@ -218,6 +224,14 @@ ExitStatus runCommand(const Options& options) {
     }
     if (options.kind == OutputKind::ParameterList) {
         return printParameters();
+    }
+    if (!options.showFile.empty()) {
+        if (const ExitStatus written = writeShowFile(options); written != Done) {
+            return written;
+        }
+    }
+    if (options.kind == OutputKind::Nothing) {
+        return Done;
     }
     if (auto fits = checkMemory(options, threads); !fits) {
         return failed(BadInput, fits.error());

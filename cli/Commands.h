@@ -16,7 +16,4 @@ enum ExitStatus : int {
 /// Carries out a checked command line. Results go to files or standard output, errors to standard error in one line.
 ExitStatus runCommand(const Options& options);
 
-/// Prints one line about what went wrong.
-void printError(const Error& error);
-
 } // namespace starbloom

@@ -108,16 +108,17 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
         idle.push(&image);
     }
     FrameRenderer renderer(options);
-    Progress progress(options.frames().count(), options.quiet);
+    const FrameSpan frames = options.frames();
+    Progress progress(frames.count(), options.progress);
     FirstFailure failure;
-    std::int64_t next = options.frames().first;
+    std::int64_t next = frames.first;
 
     const auto render = [&](tbb::flow_control& flow) -> Job {
-        while (next < options.frames().end && !interrupted() && !wanted(next)) {
+        while (next < frames.end && !interrupted() && !wanted(next)) {
             ++next;
         }
         Job job{next++};
-        if (job.frame >= options.frames().end || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
+        if (job.frame >= frames.end || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
             flow.stop();
             return {};
         }
@@ -138,7 +139,7 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
     // Frames come here in order, so those before one are done or were not wanted.
     const auto recycle = [&](Job job) {
         idle.push(job.image);
-        progress.update(job.frame + 1 - options.frames().first);
+        progress.update(job.frame + 1 - frames.first);
     };
     const auto deliveryMode =
         calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;

@@ -60,4 +60,19 @@ Result<void> readNumber(const Arguments& arguments, OptionId option, Number lowe
     return {};
 }
 
+/// Which of its words an option was given, counted from 0.
+inline Result<std::size_t> readChoice(const Arguments& arguments, OptionId option) {
+    const std::string& text = arguments.text(option);
+    std::string_view words = row(option).valueName;
+    for (std::size_t index = 0; !words.empty(); ++index) {
+        const auto bar = words.find('|');
+        if (words.substr(0, bar) == text) {
+            return index;
+        }
+        words = bar == std::string_view::npos ? std::string_view() : words.substr(bar + 1);
+    }
+    return Error{std::string(row(option).name) + " takes " + std::string(row(option).valueName) + ", not '" + text +
+                 "'"};
+}
+
 } // namespace starbloom

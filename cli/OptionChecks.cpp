@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/OptionChecks.h"
 
+#include "cli/Limits.h"
 #include "cli/Numbers.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@ namespace starbloom {
 namespace {
 
 constexpr int largestMovieSide = 16384; // What H.264 encoders take.
-constexpr double shortestFadeIn = 0.5;
 
 bool isManyFrames(const Options& options) {
     return options.kind == OutputKind::Movie || options.kind == OutputKind::Frames;

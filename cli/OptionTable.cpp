@@ -30,6 +30,13 @@ constexpr auto options = std::to_array<OptionRow>({
      "count more. At another --size the same sparks are drawn larger or smaller, nothing is cut off: a wider "
      "picture shows more on both sides, a taller one more above. A movie or frames start at --from, not at "
      "PICTURE's moment."},
+    {OptionId::Show, show, "--show", File, "FILE", "Renders the show that --save-show has written to FILE",
+     "Takes the positions, seed, size, scale, background and fade-in from FILE; options that are given besides it "
+     "count more, as with --like."},
+    {OptionId::Saved, show, "--saved", None, "",
+     "Takes the positions and the background that the application has saved", ""},
+    {OptionId::SaveShow, show, "--save-show", File, "FILE", "Writes the whole show to FILE (JSON), and needs no OUTPUT",
+     "With an OUTPUT both are made, FILE first."},
     {OptionId::Size, picture, "--size", Text, "WxH", "Size of the picture in pixels (default 640x480)",
      "A picture is up to 65536 pixels wide and high, a movie up to 16384, each kind of clip as far as it goes, "
      "as memory allows."},
@@ -64,6 +71,11 @@ constexpr auto options = std::to_array<OptionRow>({
      "Prints the parameters with ranges and reset positions", ""},
     {OptionId::Threads, program, "--threads", Text, "N", "How many threads to use (default: all)",
      "Their number changes no byte of what is made."},
+    {OptionId::Progress, program, "--progress", Choice, "bar|json|none",
+     "How to tell of progress on standard error (default: a bar on a terminal)",
+     "With json everything on standard error is one JSON object a line. Each has an \"event\": \"progress\" with "
+     "\"done\" and \"total\" frames, \"seconds\" so far and \"secondsLeft\", at most ten times a second; \"warning\" "
+     "and \"error\" with a \"message\"; \"end\" with the exit \"status\", as the last line."},
     {OptionId::Quiet, program, "--quiet", None, "", "Only speaks of errors", ""},
     {OptionId::Help, program, "--help", None, "", "Prints this help", ""},
     {OptionId::Version, program, "--version", None, "", "Prints the version", ""},

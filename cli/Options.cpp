@@ -3,109 +3,42 @@
 
 #include "cli/Arguments.h"
 #include "cli/HelpText.h"
-#include "cli/LikePicture.h"
+#include "cli/InTurn.h"
+#include "cli/Limits.h"
 #include "cli/Numbers.h"
 #include "cli/OptionChecks.h"
 #include "cli/OutputName.h"
-#include "cli/StageFit.h"
+#include "cli/ShowOptions.h"
 #include "export/movie/MovieTiming.h"
 
 namespace starbloom {
 
 namespace {
 
-constexpr double longestShow = 1.0e6; // Seconds: eleven days.
-constexpr double longestFadeIn = 3600.0;
-constexpr int largestRate = 240;
-constexpr int mostThreads = 1024;
-
-/// The first of several steps that fails.
-template <typename... Steps>
-Result<void> inTurn(const Steps&... steps) {
-    Result<void> result;
-    const auto run = [&](const auto& step) { return static_cast<bool>(result = step()); };
-    (void)(... && run(steps));
-    return result;
-}
-
 Result<void> readNumbers(const Arguments& a, Options& options) {
     int percent = 100;
-    auto read =
-        inTurn([&] { return readNumber(a, OptionId::At, 0.0, longestShow, options.at); },
-               [&] { return readNumber(a, OptionId::From, 0.0, longestShow, options.from); },
-               [&] { return readNumber(a, OptionId::Seconds, 0.0, longestShow, options.seconds); },
-               [&] { return readNumber(a, OptionId::FadeIn, 0.0, longestFadeIn, options.fadeIn); },
-               [&] { return readNumber(a, OptionId::Fps, 1, largestRate, options.framesPerSecond); },
-               [&] { return readNumber(a, OptionId::Shutter, 0.0, 1.0, options.shutter); },
-               [&] { return readNumber(a, OptionId::Threads, 0, mostThreads, options.threads); },
-               [&] { return readNumber(a, OptionId::Quality, 5, 100, percent); },
-               [&] { return readNumber(a, OptionId::Seed, std::uint64_t{0}, ~std::uint64_t{0}, options.seed); });
+    auto read = inTurn([&] { return readNumber(a, OptionId::At, 0.0, longestShow, options.at); },
+                       [&] { return readNumber(a, OptionId::From, 0.0, longestShow, options.from); },
+                       [&] { return readNumber(a, OptionId::Seconds, 0.0, longestShow, options.seconds); },
+                       [&] { return readNumber(a, OptionId::Fps, 1, largestRate, options.framesPerSecond); },
+                       [&] { return readNumber(a, OptionId::Shutter, 0.0, 1.0, options.shutter); },
+                       [&] { return readNumber(a, OptionId::Threads, 0, mostThreads, options.threads); },
+                       [&] { return readNumber(a, OptionId::Quality, 5, 100, percent); });
     options.quality = percent / 100.0;
     return read;
 }
 
-Result<void> readBackground(const Arguments& arguments, Options& options) {
-    if (!arguments.given(OptionId::Background)) {
+Result<void> readReporting(const Arguments& arguments, Options& options) {
+    options.quiet = arguments.given(OptionId::Quiet);
+    options.progress = options.quiet ? ProgressStyle::None : ProgressStyle::Bar;
+    if (!arguments.given(OptionId::Progress)) {
         return {};
     }
-    std::string text = arguments.text(OptionId::Background);
-    if (text.starts_with('#')) {
-        text.erase(0, 1);
+    const auto style = readChoice(arguments, OptionId::Progress);
+    if (!style) {
+        return style.error();
     }
-    unsigned value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
-    if (text.size() != 6 || error != std::errc() || end != text.data() + text.size()) {
-        return Error{"--background: '" + text + "' is not a colour of six hexadecimal digits, such as 101830"};
-    }
-    const auto channel = [value](unsigned shift) { return static_cast<float>((value >> shift) & 0xFFU) / 255.0F; };
-    options.background = {channel(16), channel(8), channel(0), 1.0F};
-    return {};
-}
-
-Result<void> readSetting(const std::string& text, Options& options) {
-    const auto equals = text.find('=');
-    if (equals == std::string::npos) {
-        return Error{"--set: '" + text + "' is not NAME=POSITION"};
-    }
-    const std::string name = text.substr(0, equals);
-    const ParameterRow* parameter = findParameter(name);
-    if (parameter == nullptr) {
-        return Error{"--set: there is no parameter '" + name + "'; --list-parameters shows their names"};
-    }
-    const auto position = parseNumber<double>(text.substr(equals + 1));
-    if (!position || *position < parameter->minimum || *position > parameter->maximum) {
-        return Error{"--set: " + name + " takes a position from " + brief(parameter->minimum) + " to " +
-                     brief(parameter->maximum) + ", not '" + text.substr(equals + 1) + "'"};
-    }
-    options.positions.setPosition(parameter->parameter, static_cast<float>(*position));
-    if (parameter->parameter == Parameter::RocketHeight) {
-        options.launchPoint.reset();
-    }
-    return {};
-}
-
-Result<void> readSettings(const Arguments& arguments, Options& options) {
-    for (const std::string& setting : arguments.texts(OptionId::Set)) {
-        if (auto set = readSetting(setting, options); !set) {
-            return set;
-        }
-    }
-    return {};
-}
-
-/// The show that the others are changes to.
-Result<void> readBase(const Arguments& arguments, std::optional<StageShape>& shape, Options& options) {
-    if (!arguments.given(OptionId::Like)) {
-        return {};
-    }
-    auto like = showLike(arguments.text(OptionId::Like), options);
-    if (!like) {
-        return like.error();
-    }
-    shape = like.value();
-    if (arguments.given(OptionId::At)) {
-        options.moment.reset();
-    }
+    options.progress = static_cast<ProgressStyle>(style.value());
     return {};
 }
 
@@ -148,6 +81,10 @@ Result<void> tellKind(const Arguments& arguments, Options& options) {
                    ? Result<void>()
                    : Error{std::string(row(option).name) + " prints to standard output and takes no OUTPUT"};
     }
+    if (arguments.output().empty() && !options.showFile.empty()) {
+        options.kind = OutputKind::Nothing;
+        return {};
+    }
     if (arguments.output().empty()) {
         return Error{"no OUTPUT given: name a picture (.png, .jpg, ...) or a movie (.m4v, .mp4); --help tells more"};
     }
@@ -157,15 +94,14 @@ Result<void> tellKind(const Arguments& arguments, Options& options) {
 /// Looks closer at what was typed. The show to start from comes before what is given besides it.
 Result<void> understand(const Arguments& arguments, Options& options) {
     options.transparent = arguments.given(OptionId::Transparent);
-    options.quiet = arguments.given(OptionId::Quiet);
+    if (arguments.given(OptionId::SaveShow)) {
+        options.showFile = arguments.text(OptionId::SaveShow);
+    }
     options.loop = arguments.given(OptionId::Loop);
     options.skipsExisting = arguments.given(OptionId::SkipExisting);
-    std::optional<StageShape> shape;
-    auto read =
-        inTurn([&] { return readBase(arguments, shape, options); }, [&] { return readNumbers(arguments, options); },
-               [&] { return fitStage(arguments, shape, options); }, [&] { return readBackground(arguments, options); },
-               [&] { return readSettings(arguments, options); }, [&] { return readFrames(arguments, options); },
-               [&] { return tellKind(arguments, options); }, [&] { return checkTogether(arguments, options); });
+    auto read = inTurn([&] { return readReporting(arguments, options); }, [&] { return readShow(arguments, options); },
+                       [&] { return readNumbers(arguments, options); }, [&] { return readFrames(arguments, options); },
+                       [&] { return tellKind(arguments, options); }, [&] { return checkTogether(arguments, options); });
     if (options.transparent) {
         options.background = {0.0F, 0.0F, 0.0F, 1.0F};
     }

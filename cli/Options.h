@@ -3,6 +3,7 @@
 
 #include "base/Color.h"
 #include "base/Result.h"
+#include "cli/Progress.h"
 #include "engine/model/EmitterLayer.h"
 #include "engine/panel/ParameterPanel.h"
 #include "export/picture/PictureFormat.h"
@@ -23,6 +24,7 @@ enum class OutputKind {
     Frames,        ///< Numbered picture files.
     ParticleTable, ///< CSV on standard output.
     ParameterList, ///< Text on standard output.
+    Nothing,       ///< But the show file.
     Message,       ///< The text in Options::message on standard output: help, or the version.
 };
 
@@ -39,6 +41,7 @@ struct Options {
     OutputKind kind = OutputKind::Picture;
     std::filesystem::path output; ///< For frames: a name with one %d in it, such as frame%05d.png.
     std::string message;
+    std::filesystem::path showFile; ///< Where the show is written to; empty: nowhere.
 
     PictureFormat format = PictureFormat::Png; ///< Of pictures and frames, as are these two.
     double quality = 1.0;                      ///< 0.05 to 1.
@@ -61,8 +64,9 @@ struct Options {
     double fadeIn = 0.0; ///< Seconds; 0 for none.
     Color background{0.0F, 0.0F, 0.0F, 1.0F};
     PositionPanel positions;
-    int threads = 0; ///< 0: as many as the machine has.
-    bool quiet = false;
+    int threads = 0;    ///< 0: as many as the machine has.
+    bool quiet = false; ///< Leaves warnings out.
+    ProgressStyle progress = ProgressStyle::Bar;
 
     /// Things that are probably a mistake but harm nothing, each one line.
     std::vector<std::string> warnings;

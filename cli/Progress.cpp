@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Progress.h"
 
+#include "cli/Report.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -34,24 +36,36 @@ std::string progressLine(std::int64_t done, std::int64_t total, std::chrono::dur
     return line;
 }
 
-Progress::Progress(std::int64_t total, bool quiet)
+Progress::Progress(std::int64_t total, ProgressStyle style)
     : m_total(total)
-    , m_shown(!quiet && ::isatty(STDERR_FILENO) == 1) {}
+    , m_style(style == ProgressStyle::Bar && ::isatty(STDERR_FILENO) != 1 ? ProgressStyle::None : style) {
+    update(0);
+}
 
 Progress::~Progress() {
-    if (m_drawn) {
+    if (m_style == ProgressStyle::Bar) {
         std::fputs("\r\033[K", stderr);
     }
 }
 
 void Progress::update(std::int64_t done) {
     const auto now = Clock::now();
-    if (!m_shown || (m_drawn && done < m_total && now - m_lastDrawn < std::chrono::milliseconds(100))) {
+    if (m_drawn && done < m_total && now - m_lastDrawn < std::chrono::milliseconds(100)) {
         return;
     }
     m_lastDrawn = now;
     m_drawn = true;
-    std::fputs(("\r" + progressLine(done, m_total, now - m_start) + "\033[K").c_str(), stderr);
+    show(done, now - m_start);
+}
+
+void Progress::show(std::int64_t done, std::chrono::duration<double> elapsed) const {
+    if (m_style == ProgressStyle::Bar) {
+        std::fputs(("\r" + progressLine(done, m_total, elapsed) + "\033[K").c_str(), stderr);
+    } else if (m_style == ProgressStyle::Json) {
+        const auto left =
+            elapsed * (static_cast<double>(m_total - done) / static_cast<double>(std::max<std::int64_t>(done, 1)));
+        reportProgress({done, m_total, elapsed.count(), done > 0 ? left.count() : -1.0});
+    }
 }
 
 } // namespace starbloom

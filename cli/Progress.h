@@ -10,12 +10,17 @@ namespace starbloom {
 /// One line of progress: a bar, frames, percent, time left. `elapsed` is how long the first `done` frames took.
 std::string progressLine(std::int64_t done, std::int64_t total, std::chrono::duration<double> elapsed);
 
-/// Shows progress on standard error, at most ten times a second, and only when that is a terminal. Removes its line
-/// when destroyed. For one thread at a time.
+enum class ProgressStyle {
+    Bar,  ///< For people: on a terminal alone, and removed in the end.
+    Json, ///< An object a line, for programs.
+    None,
+};
+
+/// Shows progress on standard error, at most ten times a second, the start and the end in any case. For one thread at a
+/// time.
 class Progress {
 public:
-    /// A quiet one shows nothing.
-    Progress(std::int64_t total, bool quiet);
+    Progress(std::int64_t total, ProgressStyle style);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -25,8 +30,10 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void show(std::int64_t done, std::chrono::duration<double> elapsed) const;
+
     std::int64_t m_total;
-    bool m_shown;
+    ProgressStyle m_style;
     bool m_drawn = false;
     Clock::time_point m_start = Clock::now();
     Clock::time_point m_lastDrawn;

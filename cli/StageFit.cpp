@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/StageFit.h"
 
+#include "cli/Limits.h"
 #include "cli/Numbers.h"
 
 #include <algorithm>
@@ -9,9 +10,6 @@
 namespace starbloom {
 
 namespace {
-
-constexpr int largestSide = 65536;
-constexpr double largestStage = 65536.0; // Points; what pictures can tell of their show.
 
 Result<void> readSize(const std::string& text, Options& options) {
     const auto cross = text.find_first_of("xX");
@@ -38,17 +36,28 @@ Result<void> takeSize(const StageShape& shape, Options& options) {
     return {};
 }
 
+Result<void> checkStage(const Options& options) {
+    const auto [width, height] = options.stage();
+    if (std::min(width, height) < 1.0 || std::max(width, height) > largestStage) {
+        return Error{"--scale: a picture of " + brief(options.width) + "x" + brief(options.height) +
+                     " pixels would show a stage of " + brief(width) + "x" + brief(height) +
+                     " points; it is 1 to 65536 wide and high"};
+    }
+    return {};
+}
+
 } // namespace
 
 Result<void> fitStage(const Arguments& arguments, const std::optional<StageShape>& shape, Options& options) {
     const StageShape base = shape.value_or(StageShape{});
     options.pixelsPerPoint = base.pixelsPerPoint;
     options.launchPoint = base.launchPoint;
-    if (auto scale = readNumber(arguments, OptionId::Scale, 0.01, 100.0, options.pixelsPerPoint); !scale) {
+    if (auto scale = readNumber(arguments, OptionId::Scale, leastScale, mostScale, options.pixelsPerPoint); !scale) {
         return scale;
     }
     if (!arguments.given(OptionId::Size)) {
-        return takeSize(base, options);
+        auto taken = takeSize(base, options);
+        return taken ? checkStage(options) : taken;
     }
     if (auto size = readSize(arguments.text(OptionId::Size), options); !size) {
         return size;
@@ -59,13 +68,7 @@ Result<void> fitStage(const Arguments& arguments, const std::optional<StageShape
     if (options.launchPoint) {
         options.launchPoint->x += (options.stage().width - base.stage.width) / 2.0;
     }
-    const auto [width, height] = options.stage();
-    if (std::min(width, height) < 1.0 || std::max(width, height) > largestStage) {
-        return Error{"--scale: a picture of " + brief(options.width) + "x" + brief(options.height) +
-                     " pixels would show a stage of " + brief(width) + "x" + brief(height) +
-                     " points; it is 1 to 65536 wide and high"};
-    }
-    return {};
+    return checkStage(options);
 }
 
 } // namespace starbloom

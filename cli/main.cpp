@@ -2,30 +2,42 @@
 #include "base/Log.h"
 #include "cli/Commands.h"
 #include "cli/Interruption.h"
+#include "cli/Report.h"
 
-#include <cstdio>
 #include <exception>
 #include <string>
 #include <vector>
 
-int main(int argc, char** argv) {
-    using namespace starbloom;
-    installSignalHandlers();
-    setLogSink([](LogLevel level, std::string_view, std::string_view message) {
-        if (level == LogLevel::Warning) {
-            printError({std::string(message)});
-        }
-    });
+namespace {
+
+using namespace starbloom;
+
+int run(const std::vector<std::string>& arguments) {
     try {
-        const std::vector<std::string> arguments(argv + 1, argv + argc);
         const auto options = parseOptions(arguments);
         if (!options) {
-            printError(options.error());
+            reportError(options.error().message);
             return BadInput;
         }
         return runCommand(options.value());
     } catch (const std::exception& error) {
-        printError({std::string("out of resources: ") + error.what()});
+        reportError(std::string("out of resources: ") + error.what());
         return WriteFailed;
     }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    installSignalHandlers();
+    setLogSink([](LogLevel level, std::string_view, std::string_view message) {
+        if (level == LogLevel::Warning) {
+            reportWarning(std::string(message));
+        }
+    });
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    reportAsJson(asksForJson(arguments));
+    const int status = run(arguments);
+    reportEnd(status);
+    return status;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -27,14 +28,14 @@ struct ClipTraits {
     std::string_view name;      ///< As a message calls it: "APNG".
     std::string_view extension; ///< With its dot, lower case.
     bool hasAlpha;
-    bool hasPremultiplied; ///< Whether that may be stored, which some formats rule out.
+    bool hasPremultiplied; ///< Some formats have straight alpha by definition.
     bool hasQuality;
     bool canStream;  ///< Whether it can be written to a pipe.
     int largestSide; ///< Pixels.
 };
 
 inline constexpr std::array<ClipTraits, 7> clipFormats{{
-    {ClipFormat::ProRes, "ProRes 4444", ".mov", true, true, true, false, 16384},
+    {ClipFormat::ProRes, "ProRes 4444", ".mov", true, true, false, false, 16384},
     {ClipFormat::Vp9, "WebM", ".webm", true, true, true, false, 16384},
     {ClipFormat::WebP, "WebP", ".webp", true, false, true, false, 16383},
     {ClipFormat::Apng, "APNG", ".apng", true, false, false, false, 65535},

@@ -1,30 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/picture/FormatEncoders.h"
 #include "export/picture/MemoryFile.h"
+#include "export/picture/Palette.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <span>
 
 #include <cgif.h>
-#include <libimagequant.h>
 
 namespace starbloom {
 
 namespace {
 
 constexpr int largestSide = 65535;
-
-struct Destroy {
-    void operator()(liq_attr* attributes) const { liq_attr_destroy(attributes); }
-
-    void operator()(liq_image* image) const { liq_image_destroy(image); }
-
-    void operator()(liq_result* result) const { liq_result_destroy(result); }
-};
 
 /// A picture reduced to its palette.
 struct Indexed {
@@ -37,59 +28,12 @@ Error cannotMake(const std::string& why) {
     return Error{"cannot make a GIF: " + why};
 }
 
-const char* wordsFor(liq_error error) {
-    switch (error) {
-    case LIQ_OUT_OF_MEMORY:
-        return "out of memory";
-    case LIQ_VALUE_OUT_OF_RANGE:
-        return "the picture is too large";
-    default:
-        return "no palette could be found";
-    }
-}
-
-liq_color colorAt(const std::uint8_t* pixel) {
-    return {pixel[0], pixel[1], pixel[2], 255};
-}
-
-/// The colour of the sky, found in a few thousand pixels spread over the picture.
-liq_color mostFrequentColor(const ImageBuffer& image) {
-    const std::size_t pixels = image.bytes().size() / 4;
-    const std::size_t step = std::max<std::size_t>(pixels / 4096, 1);
-    std::vector<std::uint32_t> found;
-    for (std::size_t i = 0; i < pixels; i += step) {
-        const std::uint8_t* pixel = image.bytes().data() + 4 * i;
-        found.push_back(static_cast<std::uint32_t>(pixel[0] << 16 | pixel[1] << 8 | pixel[2]));
-    }
-    std::ranges::sort(found);
-    std::uint32_t best = 0;
-    std::ptrdiff_t most = 0;
-    for (auto run = found.begin(); run != found.end();) {
-        const auto end = std::upper_bound(run, found.end(), *run);
-        if (end - run > most) {
-            most = end - run;
-            best = *run;
-        }
-        run = end;
-    }
-    return {static_cast<std::uint8_t>(best >> 16U), static_cast<std::uint8_t>(best >> 8U),
-            static_cast<std::uint8_t>(best), 255};
-}
-
-void opaqueRow(liq_color* to, int y, int width, void* image) {
-    const std::uint8_t* from = static_cast<const ImageBuffer*>(image)->row(y);
-    for (int x = 0; x < width; ++x, from += 4) {
-        to[x] = colorAt(from);
-    }
-}
-
 Result<Indexed> quantize(const ImageBuffer& image) {
-    const std::unique_ptr<liq_attr, Destroy> attributes(liq_attr_create());
+    const PaletteAttributes attributes(liq_attr_create());
     if (attributes == nullptr) {
         return cannotMake(wordsFor(LIQ_OUT_OF_MEMORY));
     }
-    const std::unique_ptr<liq_image, Destroy> source(liq_image_create_custom(
-        attributes.get(), opaqueRow, const_cast<ImageBuffer*>(&image), image.width(), image.height(), 0.0));
+    const PaletteImage source = opaqueImage(*attributes, image);
     if (source == nullptr) {
         return cannotMake(wordsFor(LIQ_OUT_OF_MEMORY));
     }
@@ -98,7 +42,7 @@ Result<Indexed> quantize(const ImageBuffer& image) {
     if (const auto error = liq_image_quantize(source.get(), attributes.get(), &raw); error != LIQ_OK) {
         return cannotMake(wordsFor(error));
     }
-    const std::unique_ptr<liq_result, Destroy> result(raw);
+    const PaletteResult result(raw);
     liq_set_dithering_level(result.get(), 1.0F);
     Indexed indexed;
     indexed.pixels.resize(image.bytes().size() / 4);
@@ -121,7 +65,7 @@ int onWrite(void* file, const std::uint8_t* data, const std::size_t length) {
     return static_cast<MemoryFile*>(file)->write(data, length) ? 0 : -1;
 }
 
-const char* wordsFor(int error) {
+const char* reasonOf(int error) {
     return error == CGIF_EALLOC || error == CGIF_EWRITE ? "out of memory" : "the encoder failed";
 }
 
@@ -136,14 +80,14 @@ Result<std::vector<std::byte>> write(Indexed& indexed, int width, int height) {
     config.pContext = &file;
     CGIF* gif = cgif_newgif(&config);
     if (gif == nullptr) {
-        return cannotMake(wordsFor(CGIF_EALLOC));
+        return cannotMake(reasonOf(CGIF_EALLOC));
     }
     CGIF_FrameConfig frame{};
     frame.pImageData = indexed.pixels.data();
     const int added = cgif_addframe(gif, &frame);
     const int closed = cgif_close(gif);
     if (added != CGIF_OK || closed != CGIF_OK) {
-        return cannotMake(wordsFor(added != CGIF_OK ? added : closed));
+        return cannotMake(reasonOf(added != CGIF_OK ? added : closed));
     }
     return file.take();
 }

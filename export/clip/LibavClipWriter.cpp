@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "export/clip/ClipPixels.h"
+#include "export/clip/FormatWriters.h"
+#include "export/movie/LibavSupport.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
+
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+namespace starbloom {
+
+namespace {
+
+using Setting = std::pair<const char*, std::string>;
+
+/// How one of the formats is asked for.
+struct LibavRecipe {
+    const char* codec = nullptr;
+    const char* container = nullptr;
+    AVPixelFormat pixels = AV_PIX_FMT_NONE;
+    int threadType = 0;
+    std::vector<Setting> settings;
+};
+
+LibavRecipe proResRecipe(const ClipSettings& settings) {
+    const bool alpha = settings.alpha != AlphaMode::Opaque;
+    LibavRecipe recipe{"prores_ks", "mov", alpha ? AV_PIX_FMT_YUVA444P10 : AV_PIX_FMT_YUV444P10, FF_THREAD_SLICE, {}};
+    recipe.settings = {{"profile", "4444"}};
+    return recipe;
+}
+
+LibavRecipe vp9Recipe(const ClipSettings& settings) {
+    const bool alpha = settings.alpha != AlphaMode::Opaque;
+    LibavRecipe recipe{"libvpx-vp9", "webm", alpha ? AV_PIX_FMT_YUVA420P : AV_PIX_FMT_YUV420P, 0, {}};
+    // From the best that makes a difference to the worst that there is.
+    const auto rateFactor = std::lround(4.0 + 59.0 * (1.0 - settings.quality));
+    recipe.settings = {{"crf", std::to_string(rateFactor)}, {"deadline", "good"}, {"cpu-used", "3"}, {"row-mt", "1"}};
+    if (alpha) {
+        recipe.settings.emplace_back("auto-alt-ref", "0"); // Frames that are never shown have no alpha.
+    }
+    return recipe;
+}
+
+void describeColors(AVCodecContext& encoder, YuvMatrix matrix) {
+    const bool highDefinition = matrix == YuvMatrix::Bt709;
+    encoder.color_range = AVCOL_RANGE_MPEG;
+    encoder.color_primaries = highDefinition ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
+    encoder.color_trc = highDefinition ? AVCOL_TRC_BT709 : AVCOL_TRC_SMPTE170M;
+    encoder.colorspace = highDefinition ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    encoder.chroma_sample_location = AVCHROMA_LOC_LEFT;
+}
+
+/// The encoder, the container, and the file in which it grows.
+class LibavClipWriter final : public ClipWriter {
+public:
+    LibavClipWriter(ClipFormat format, ClipOutput output, const ClipSettings& settings)
+        : m_format(format)
+        , m_output(std::move(output))
+        , m_settings(settings)
+        , m_matrix(matrixFor(settings.height)) {}
+
+    Result<void> open();
+    Result<void> add(const ImageBuffer& frame) override;
+    Result<void> finish() override;
+
+private:
+    Result<void> openEncoder(const LibavRecipe& recipe);
+    Result<void> makeFrame();
+    Result<void> openContainer(const char* name);
+    Result<void> send(const AVFrame* frame);
+
+    Error failure(int averror) const { return m_output.failure(reasonOf(averror)); }
+
+    ClipFormat m_format;
+    ClipOutput m_output;
+    ClipSettings m_settings;
+    YuvMatrix m_matrix;
+    EncoderPointer m_encoder;
+    FramePointer m_frame;
+    PacketPointer m_packet;
+    ContainerPointer m_container;
+    AVStream* m_stream = nullptr; ///< owned by the container
+    std::int64_t m_frameCount = 0;
+};
+
+Result<void> LibavClipWriter::open() {
+    forwardLibavLog();
+    const LibavRecipe recipe = m_format == ClipFormat::ProRes ? proResRecipe(m_settings) : vp9Recipe(m_settings);
+    if (auto opened = openEncoder(recipe); !opened) {
+        return opened;
+    }
+    if (auto made = makeFrame(); !made) {
+        return made;
+    }
+    return openContainer(recipe.container);
+}
+
+Result<void> LibavClipWriter::openEncoder(const LibavRecipe& recipe) {
+    const AVCodec* codec = avcodec_find_encoder_by_name(recipe.codec);
+    if (codec == nullptr) {
+        return m_output.failure(std::string("the encoder ") + recipe.codec + " is missing");
+    }
+    m_encoder.reset(avcodec_alloc_context3(codec));
+    if (m_encoder == nullptr) {
+        return failure(AVERROR(ENOMEM));
+    }
+    m_encoder->width = m_settings.width;
+    m_encoder->height = m_settings.height;
+    m_encoder->pix_fmt = recipe.pixels;
+    m_encoder->sample_aspect_ratio = {1, 1};
+    m_encoder->time_base = {m_settings.rate.seconds, m_settings.rate.frames};
+    m_encoder->framerate = av_inv_q(m_encoder->time_base);
+    m_encoder->thread_count = std::max(m_settings.threads, 0);
+    m_encoder->thread_type = recipe.threadType;
+    // Bit-exact: no versions of libraries in the file.
+    m_encoder->flags |= AV_CODEC_FLAG_BITEXACT | AV_CODEC_FLAG_GLOBAL_HEADER;
+    describeColors(*m_encoder, m_matrix);
+    for (const auto& [name, value] : recipe.settings) {
+        if (const int error = av_opt_set(m_encoder->priv_data, name, value.c_str(), 0); error < 0) {
+            return failure(error);
+        }
+    }
+    const int error = avcodec_open2(m_encoder.get(), codec, nullptr);
+    return error < 0 ? failure(error) : Result<void>();
+}
+
+Result<void> LibavClipWriter::makeFrame() {
+    m_packet.reset(av_packet_alloc());
+    m_frame.reset(av_frame_alloc());
+    if (m_packet == nullptr || m_frame == nullptr) {
+        return failure(AVERROR(ENOMEM));
+    }
+    m_frame->format = m_encoder->pix_fmt;
+    m_frame->width = m_encoder->width;
+    m_frame->height = m_encoder->height;
+    m_frame->color_range = m_encoder->color_range;
+    m_frame->color_primaries = m_encoder->color_primaries;
+    m_frame->color_trc = m_encoder->color_trc;
+    m_frame->colorspace = m_encoder->colorspace;
+    const int error = av_frame_get_buffer(m_frame.get(), 0);
+    return error < 0 ? failure(error) : Result<void>();
+}
+
+Result<void> LibavClipWriter::openContainer(const char* name) {
+    const std::string url = "file:" + m_output.temporaryPath().string();
+    AVFormatContext* container = nullptr;
+    if (const int error = avformat_alloc_output_context2(&container, nullptr, name, url.c_str()); error < 0) {
+        return failure(error);
+    }
+    m_container.reset(container);
+    m_container->flags |= AVFMT_FLAG_BITEXACT;
+    m_stream = avformat_new_stream(m_container.get(), nullptr);
+    if (m_stream == nullptr) {
+        return failure(AVERROR(ENOMEM));
+    }
+    if (const int error = avcodec_parameters_from_context(m_stream->codecpar, m_encoder.get()); error < 0) {
+        return failure(error);
+    }
+    m_stream->time_base = m_encoder->time_base;
+    m_stream->avg_frame_rate = m_encoder->framerate;
+    m_stream->r_frame_rate = m_encoder->framerate;
+    m_stream->sample_aspect_ratio = {1, 1};
+    if (m_settings.alpha != AlphaMode::Opaque) {
+        // How QuickTime tells of alpha: eight bits more than colour alone.
+        m_stream->codecpar->bits_per_coded_sample = m_format == ClipFormat::ProRes ? 32 : 0;
+    }
+    if (const int error = avio_open(&m_container->pb, url.c_str(), AVIO_FLAG_WRITE); error < 0) {
+        return failure(error);
+    }
+    const int error = avformat_write_header(m_container.get(), nullptr);
+    return error < 0 ? failure(error) : Result<void>();
+}
+
+Result<void> LibavClipWriter::add(const ImageBuffer& frame) {
+    if (const int error = av_frame_make_writable(m_frame.get()); error < 0) {
+        return failure(error);
+    }
+    ClipPlanes planes;
+    for (std::size_t plane = 0; plane < planes.data.size(); ++plane) {
+        planes.data[plane] = m_frame->data[plane];
+        planes.strides[plane] = m_frame->linesize[plane];
+    }
+    const auto convert = m_format == ClipFormat::ProRes ? convertToYuva444 : convertToYuva420;
+    convert(frame, m_settings.alpha, m_matrix, planes);
+    m_frame->pts = m_frameCount++;
+    return send(m_frame.get());
+}
+
+/// Hands a frame to the encoder, or none for the end, and writes all packets that are ready.
+Result<void> LibavClipWriter::send(const AVFrame* frame) {
+    if (const int error = avcodec_send_frame(m_encoder.get(), frame); error < 0) {
+        return failure(error);
+    }
+    while (true) {
+        int error = avcodec_receive_packet(m_encoder.get(), m_packet.get());
+        if (error == AVERROR(EAGAIN) || error == AVERROR_EOF) {
+            return {};
+        }
+        if (error >= 0) {
+            m_packet->duration = 1;
+            m_packet->stream_index = m_stream->index;
+            av_packet_rescale_ts(m_packet.get(), m_encoder->time_base, m_stream->time_base);
+            error = av_write_frame(m_container.get(), m_packet.get());
+            av_packet_unref(m_packet.get());
+        }
+        // Writes go through a buffer, which keeps the error of an earlier one to itself.
+        if (error < 0 || m_container->pb->error < 0) {
+            return failure(error < 0 ? error : m_container->pb->error);
+        }
+    }
+}
+
+Result<void> LibavClipWriter::finish() {
+    if (auto sent = send(nullptr); !sent) {
+        return sent;
+    }
+    const int trailerError = av_write_trailer(m_container.get());
+    const int closeError = avio_closep(&m_container->pb);
+    if (trailerError < 0 || closeError < 0) {
+        return failure(trailerError < 0 ? trailerError : closeError);
+    }
+    return m_output.finish();
+}
+
+} // namespace
+
+MadeClipWriter makeLibavClipWriter(ClipFormat format, ClipOutput output, const ClipSettings& settings) {
+    auto writer = std::make_unique<LibavClipWriter>(format, std::move(output), settings);
+    if (auto opened = writer->open(); !opened) {
+        return opened.error();
+    }
+    return std::unique_ptr<ClipWriter>(std::move(writer));
+}
+
+} // namespace starbloom

@@ -38,7 +38,7 @@ struct FrameRate {
 struct ClipSettings {
     int width = 0; ///< Pixels, 1 up to what the format takes.
     int height = 0;
-    FrameRate rate; ///< 1 to 1000 frames per second.
+    FrameRate rate{}; ///< 1 to 1000 frames per second.
     AlphaMode alpha = AlphaMode::Opaque;
     double quality = 0.9; ///< 0.05 to 1, for formats that have one. 1 is lossless in WebP.
     int threads = 0;      ///< How many threads encode in ProRes and WebM; 0: as many as the machine has.

@@ -19,8 +19,8 @@ struct FlashFinding {
 
     double start = 0.0; ///< Seconds from the start of the clip to the first of these changes.
 
-    /// The largest part of the field that changed at once within the second, 0 to 1. Changes of up to a quarter do not
-    /// count, so this is above 0.25, or 0 where nothing counted.
+    /// How much of the field, 0 to 1, had changed when the largest of these changes was counted. Up to a quarter does
+    /// not count, so this is above 0.25, or 0 where nothing counted.
     double area = 0.0;
 
     /// The field: its centre, in parts of the picture from the left and from the top.
@@ -49,12 +49,11 @@ struct FlashReport {
 /// - A *change of a field* happens when more than a quarter of its spots change in the same direction at once, which
 ///   means within a tenth of a second. Rises and falls of a field alternate: a light that goes on spreading is one
 ///   rise.
-/// - A *flash* is a change and the opposite change after it. The clip passes when no field has more than three flashes
-///   (six changes) in any period shorter than or of one second, the moments exactly a second apart not counted
-///   together.
+/// - A *flash* is a change and the opposite change after it. The clip passes when no field has more than three flashes,
+///   which are six changes, within any second. What lies a whole second apart is not within one.
 ///
-/// Spots are cells of a grid, 96 along the longer side, whose pixels are averaged as linear light. The arithmetic is in
-/// integers: the same frames give the same report on every machine. About a thousand numbers are kept for each second.
+/// Spots are the cells of a grid, 48 along the longer side, whose pixels are averaged as linear light. The arithmetic
+/// is in integers, so the same frames give the same report on every machine.
 ///
 ///     FlashCheck check(640, 480, {30, 1});
 ///     for (const ImageBuffer& frame : frames) check.add(frame);

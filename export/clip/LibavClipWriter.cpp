@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "export/clip/ClipContainer.h"
 #include "export/clip/ClipPixels.h"
 #include "export/clip/FormatWriters.h"
 #include "export/movie/LibavSupport.h"
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,7 +24,7 @@ using Setting = std::pair<const char*, std::string>;
 /// How one of the formats is asked for.
 struct LibavRecipe {
     const char* codec = nullptr;
-    const char* container = nullptr;
+    ContainerKind container = ContainerKind::WebM;
     AVPixelFormat pixels = AV_PIX_FMT_NONE;
     int threadType = 0;
     std::vector<Setting> settings;
@@ -30,14 +32,18 @@ struct LibavRecipe {
 
 LibavRecipe proResRecipe(const ClipSettings& settings) {
     const bool alpha = settings.alpha != AlphaMode::Opaque;
-    LibavRecipe recipe{"prores_ks", "mov", alpha ? AV_PIX_FMT_YUVA444P10 : AV_PIX_FMT_YUV444P10, FF_THREAD_SLICE, {}};
+    LibavRecipe recipe{"prores_ks",
+                       ContainerKind::QuickTime,
+                       alpha ? AV_PIX_FMT_YUVA444P10 : AV_PIX_FMT_YUV444P10,
+                       FF_THREAD_SLICE,
+                       {}};
     recipe.settings = {{"profile", "4444"}};
     return recipe;
 }
 
 LibavRecipe vp9Recipe(const ClipSettings& settings) {
     const bool alpha = settings.alpha != AlphaMode::Opaque;
-    LibavRecipe recipe{"libvpx-vp9", "webm", alpha ? AV_PIX_FMT_YUVA420P : AV_PIX_FMT_YUV420P, 0, {}};
+    LibavRecipe recipe{"libvpx-vp9", ContainerKind::WebM, alpha ? AV_PIX_FMT_YUVA420P : AV_PIX_FMT_YUV420P, 0, {}};
     // From the best that makes a difference to the worst that there is.
     const auto rateFactor = std::lround(4.0 + 59.0 * (1.0 - settings.quality));
     recipe.settings = {{"crf", std::to_string(rateFactor)}, {"deadline", "good"}, {"cpu-used", "3"}, {"row-mt", "1"}};
@@ -72,7 +78,7 @@ public:
 private:
     Result<void> openEncoder(const LibavRecipe& recipe);
     Result<void> makeFrame();
-    Result<void> openContainer(const char* name);
+    Result<void> openContainer(ContainerKind kind);
     Result<void> send(const AVFrame* frame);
 
     Error failure(int averror) const { return m_output.failure(reasonOf(averror)); }
@@ -84,8 +90,7 @@ private:
     EncoderPointer m_encoder;
     FramePointer m_frame;
     PacketPointer m_packet;
-    ContainerPointer m_container;
-    AVStream* m_stream = nullptr; ///< owned by the container
+    std::optional<ClipContainer> m_container;
     std::int64_t m_frameCount = 0;
 };
 
@@ -113,6 +118,7 @@ Result<void> LibavClipWriter::openEncoder(const LibavRecipe& recipe) {
     m_encoder->width = m_settings.width;
     m_encoder->height = m_settings.height;
     m_encoder->pix_fmt = recipe.pixels;
+    m_encoder->bit_rate = 0; // The quality counts.
     m_encoder->sample_aspect_ratio = {1, 1};
     m_encoder->time_base = {m_settings.rate.seconds, m_settings.rate.frames};
     m_encoder->framerate = av_inv_q(m_encoder->time_base);
@@ -147,34 +153,22 @@ Result<void> LibavClipWriter::makeFrame() {
     return error < 0 ? failure(error) : Result<void>();
 }
 
-Result<void> LibavClipWriter::openContainer(const char* name) {
-    const std::string url = "file:" + m_output.temporaryPath().string();
-    AVFormatContext* container = nullptr;
-    if (const int error = avformat_alloc_output_context2(&container, nullptr, name, url.c_str()); error < 0) {
-        return failure(error);
-    }
-    m_container.reset(container);
-    m_container->flags |= AVFMT_FLAG_BITEXACT;
-    m_stream = avformat_new_stream(m_container.get(), nullptr);
-    if (m_stream == nullptr) {
+Result<void> LibavClipWriter::openContainer(ContainerKind kind) {
+    const PointerTo<AVCodecParameters, avcodec_parameters_free> parameters(avcodec_parameters_alloc());
+    if (parameters == nullptr || avcodec_parameters_from_context(parameters.get(), m_encoder.get()) < 0) {
         return failure(AVERROR(ENOMEM));
     }
-    if (const int error = avcodec_parameters_from_context(m_stream->codecpar, m_encoder.get()); error < 0) {
-        return failure(error);
-    }
-    m_stream->time_base = m_encoder->time_base;
-    m_stream->avg_frame_rate = m_encoder->framerate;
-    m_stream->r_frame_rate = m_encoder->framerate;
-    m_stream->sample_aspect_ratio = {1, 1};
-    if (m_settings.alpha != AlphaMode::Opaque) {
+    const bool hasAlpha = m_settings.alpha != AlphaMode::Opaque;
+    if (m_format == ClipFormat::ProRes && hasAlpha) {
         // How QuickTime tells of alpha: eight bits more than colour alone.
-        m_stream->codecpar->bits_per_coded_sample = m_format == ClipFormat::ProRes ? 32 : 0;
+        parameters->bits_per_coded_sample = 32;
     }
-    if (const int error = avio_open(&m_container->pb, url.c_str(), AVIO_FLAG_WRITE); error < 0) {
-        return failure(error);
+    auto container = ClipContainer::open(m_output.temporaryPath(), kind, *parameters, m_settings.rate, hasAlpha);
+    if (!container) {
+        return m_output.failure(container.error().message);
     }
-    const int error = avformat_write_header(m_container.get(), nullptr);
-    return error < 0 ? failure(error) : Result<void>();
+    m_container = std::move(container).value();
+    return {};
 }
 
 Result<void> LibavClipWriter::add(const ImageBuffer& frame) {
@@ -198,20 +192,17 @@ Result<void> LibavClipWriter::send(const AVFrame* frame) {
         return failure(error);
     }
     while (true) {
-        int error = avcodec_receive_packet(m_encoder.get(), m_packet.get());
+        const int error = avcodec_receive_packet(m_encoder.get(), m_packet.get());
         if (error == AVERROR(EAGAIN) || error == AVERROR_EOF) {
             return {};
         }
-        if (error >= 0) {
-            m_packet->duration = 1;
-            m_packet->stream_index = m_stream->index;
-            av_packet_rescale_ts(m_packet.get(), m_encoder->time_base, m_stream->time_base);
-            error = av_write_frame(m_container.get(), m_packet.get());
-            av_packet_unref(m_packet.get());
+        if (error < 0) {
+            return failure(error);
         }
-        // Writes go through a buffer, which keeps the error of an earlier one to itself.
-        if (error < 0 || m_container->pb->error < 0) {
-            return failure(error < 0 ? error : m_container->pb->error);
+        auto written = m_container->write(*m_packet);
+        av_packet_unref(m_packet.get());
+        if (!written) {
+            return m_output.failure(written.error().message);
         }
     }
 }
@@ -220,12 +211,8 @@ Result<void> LibavClipWriter::finish() {
     if (auto sent = send(nullptr); !sent) {
         return sent;
     }
-    const int trailerError = av_write_trailer(m_container.get());
-    const int closeError = avio_closep(&m_container->pb);
-    if (trailerError < 0 || closeError < 0) {
-        return failure(trailerError < 0 ? trailerError : closeError);
-    }
-    return m_output.finish();
+    auto finished = m_container->finish();
+    return finished ? m_output.finish() : m_output.failure(finished.error().message);
 }
 
 } // namespace

@@ -16,7 +16,7 @@ void declare(CLI::App& app, const OptionRow& row) {
     if (row.value == OptionValue::Setting) {
         option->take_all()->allow_extra_args(false);
     } else if (row.value == OptionValue::Files) {
-        option->expected(1, -1);
+        option->expected(1, -1)->allow_extra_args();
     }
 }
 

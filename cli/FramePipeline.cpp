@@ -57,7 +57,7 @@ FrameRenderer::FrameRenderer(const Options& options, RequestedShow&& requested)
     , m_start(requested.start)
     , m_speed(requested.speed)
     , m_pixelsPerPoint(options.pixelsPerPoint)
-    , m_background(options.background)
+    , m_background(options.drawnBackground())
     , m_note(std::move(requested.note))
     , m_player(requested.show)
     , m_exposure(options.shutter / options.framesPerSecond * requested.speed) {
@@ -98,7 +98,7 @@ ShowNote FrameRenderer::noteAt(double moment) const {
     return note;
 }
 
-Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink& sink, const FrameFilter& wanted) {
+Result<void> runFrames(const Options& options, const FrameHandling& handling) {
     namespace tbb = oneapi::tbb;
     const auto inFlight = static_cast<std::size_t>(tbb::this_task_arena::max_concurrency()) + 2;
     std::vector<ImageBuffer> images(inFlight);
@@ -114,7 +114,7 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
     std::int64_t next = frames.first;
 
     const auto render = [&](tbb::flow_control& flow) -> Job {
-        while (next < frames.end && !interrupted() && !wanted(next)) {
+        while (next < frames.end && !interrupted() && handling.wanted && !handling.wanted(next)) {
             ++next;
         }
         Job job{next++};
@@ -126,11 +126,14 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
         // Without the isolation this thread, while it waits for help within a frame, could start on a sink.
         job.moment = renderer.momentAt(seconds);
         tbb::this_task_arena::isolate([&] { renderer.renderMoment(job.moment, *job.image); });
+        if (handling.watch) {
+            handling.watch(*job.image);
+        }
         return job;
     };
     const auto deliver = [&](Job job) -> Job {
         if (!failure.happened()) {
-            if (auto delivered = sink({job.frame, renderer.noteAt(job.moment), *job.image}); !delivered) {
+            if (auto delivered = handling.sink({job.frame, renderer.noteAt(job.moment), *job.image}); !delivered) {
                 failure.note(delivered.error());
             }
         }
@@ -142,7 +145,7 @@ Result<void> runFrames(const Options& options, SinkCalls calls, const FrameSink&
         progress.update(job.frame + 1 - frames.first);
     };
     const auto deliveryMode =
-        calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;
+        handling.calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;
     tbb::parallel_pipeline(inFlight, tbb::make_filter<void, Job>(tbb::filter_mode::serial_in_order, render) &
                                          tbb::make_filter<Job, Job>(deliveryMode, deliver) &
                                          tbb::make_filter<Job, void>(tbb::filter_mode::serial_in_order, recycle));

@@ -66,21 +66,27 @@ struct RenderedFrame {
 /// What becomes of one frame.
 using FrameSink = std::function<Result<void>(const RenderedFrame& frame)>;
 
+/// Looks at a frame.
+using FrameWatch = std::function<void(const ImageBuffer& frame)>;
+
 enum class SinkCalls {
     InOrder,  ///< One after the other, in the order of frames.
     Together, ///< Several at once, in any order.
 };
 
-/// Whether a frame of a number is to be made.
-using FrameFilter = std::function<bool(std::int64_t number)>;
+/// What happens to the frames of a run.
+struct FrameHandling {
+    FrameSink sink;
+    SinkCalls calls = SinkCalls::InOrder;
+    std::function<bool(std::int64_t number)> wanted{}; ///< Leaves frames out; empty: none.
+    FrameWatch watch{};                                ///< Sees the frames in order, before the sink; may be empty.
+};
 
 /// Renders the frames of `options.frames()` and hands each to the sink, rendering ahead while sinks work. How threads
 /// share the work: one at a time renders (and is helped by others within the frame), the others run sinks; all come
 /// from the caller's oneTBB arena. A few frames exist at once, however many there are in all.
 ///
 /// Stops early when a sink fails, which is the result, or when the user interrupts, which is none.
-Result<void> runFrames(
-    const Options& options, SinkCalls calls, const FrameSink& sink,
-    const FrameFilter& wanted = [](std::int64_t) { return true; });
+Result<void> runFrames(const Options& options, const FrameHandling& handling);
 
 } // namespace starbloom

@@ -11,7 +11,7 @@ constexpr std::string_view show = "Show";
 constexpr std::string_view picture = "Picture";
 constexpr std::string_view time = "Time";
 constexpr std::string_view parts = "Parts of a show";
-constexpr std::string_view tables = "Tables";
+constexpr std::string_view tables = "Tables and checks";
 constexpr std::string_view program = "Program";
 
 using enum OptionValue;
@@ -43,11 +43,22 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionId::Scale, picture, "--scale", Text, "N", "Pixels for each point of the stage, 0.01 to 100 (default 1)",
      "Everything is drawn so much larger, and finer. With --size the picture keeps that size and shows a stage "
      "of SIZE divided by N points; without it the stage stays and the picture grows."},
-    {OptionId::Quality, picture, "--quality", Text, "PERCENT", "Of JPEG and JPEG 2000, 5 to 100 (default 100)", ""},
+    {OptionId::Quality, picture, "--quality", Text, "PERCENT",
+     "5 to 100, of .jpg and .jp2 (default 100) and of .webm and .webp (default 90)", "100 makes a .webp without loss."},
     {OptionId::Transparent, picture, "--transparent", None, "",
-     "Light on nothing: PNG, TIFF or JPEG 2000 with alpha, no background",
-     "In an editor, such a picture glows on any layer below it in the normal mode (over). For light that adds "
-     "up, as in the show itself, make one without --transparent, on black, and set its layer to add."},
+     "Light on nothing, no background: .png .tif .jp2 .mov .webm .webp .apng",
+     "Alpha is the brightest channel of the light. In an editor, such a picture glows on any layer below it in the "
+     "normal mode (over). For light that adds "
+     "up, as in the show itself, use --alpha black, and set its layer to add."},
+    {OptionId::Alpha, picture, "--alpha", Choice, "straight|premultiplied|black",
+     "How light on nothing is stored (default straight)",
+     "With straight, colours are divided by alpha, for programs that multiply them by it again, as browsers and most "
+     "editors do. With premultiplied (.mov, .webm and raw RGBA), colours stay as they are drawn, for programs that are "
+     "told that they are multiplied by alpha already. With black there is no alpha, and the light lies on black, for a "
+     "layer that adds."},
+    {OptionId::Format, picture, "--format", Choice, "rgba|y4m", "What goes to standard output, with OUTPUT -",
+     "With rgba these are the pixels and nothing else, four bytes each, row by row, frame by frame; with y4m it is a "
+     "stream that encoders read, 4:2:0 and without alpha. A file that ends in .rgba or .y4m has the same in it."},
     {OptionId::At, time, "--at", Text, "SECONDS", "Moment of a picture or of --particles (default 5)", ""},
     {OptionId::From, time, "--from", Text, "SECONDS", "Moment of the first frame (default 0)", ""},
     {OptionId::Seconds, time, "--seconds", Text, "SECONDS", "Length of a movie or of frames (default 10)", ""},
@@ -65,6 +76,14 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionId::SkipExisting, parts, "--skip-existing", None, "",
      "Leaves alone what is there already, and makes the rest",
      "Files appear whole, so one that is there is complete; whether it is of the same show is not looked at."},
+    {OptionId::Join, parts, "--join", Files, "PART...", "Makes one movie OUTPUT of parts, without encoding again",
+     "The parts are .m4v, .mp4, .mov or .webm files of this program, made with the same settings; write OUTPUT before "
+     "--join. The movie has the frames of the parts, one after the other."},
+    {OptionId::CheckFlashes, tables, "--check-flashes", None, "",
+     "Tells whether the frames could cause seizures, and needs no OUTPUT",
+     "Counts general and red flashes as the W3C's Web Content Accessibility Guidelines do (success criterion 2.3.1) "
+     "and prints the worst second of each; with more than three in a second the exit status is 3, and OUTPUT is made "
+     "all the same."},
     {OptionId::Particles, tables, "--particles", None, "",
      "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file", ""},
     {OptionId::ListParameters, tables, "--list-parameters", None, "",
@@ -85,6 +104,7 @@ constexpr std::array statuses{
     StatusRow{0, "done"},
     StatusRow{1, "the output could not be written; no part of it is left, but numbered frames written before stay"},
     StatusRow{2, "the command line cannot be carried out"},
+    StatusRow{3, "all is made, but --check-flashes found more than three flashes in a second"},
     StatusRow{130, "interrupted; nothing unfinished is left"},
 };
 

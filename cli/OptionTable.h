@@ -21,6 +21,8 @@ enum class OptionId : std::size_t {
     Scale,
     Quality,
     Transparent,
+    Alpha,
+    Format,
     At,
     From,
     Seconds,
@@ -29,6 +31,8 @@ enum class OptionId : std::size_t {
     Loop,
     Frames,
     SkipExisting,
+    Join,
+    CheckFlashes,
     Particles,
     ListParameters,
     Threads,
@@ -67,8 +71,8 @@ const OptionRow& row(OptionId id);
 /// What stands before the options in a command line, and what it means.
 inline constexpr std::string_view outputName = "OUTPUT";
 inline constexpr std::string_view outputHelp =
-    "What to make: a picture (.png .jpg .jp2 .tif .gif .bmp), numbered frames (NAME%05d.png and so on), or a movie "
-    "(.m4v .mp4)";
+    "What to make: a picture (.png .jpg .jp2 .tif .gif .bmp), numbered frames (NAME%05d.png and so on), a movie "
+    "(.m4v .mp4), a clip for other programs (.mov .webm .webp .apng .gif), or - for standard output";
 
 /// A status that the program ends with.
 struct StatusRow {

@@ -8,6 +8,7 @@
 #include "cli/Numbers.h"
 #include "cli/OptionChecks.h"
 #include "cli/OutputName.h"
+#include "cli/OutputOptions.h"
 #include "cli/ShowOptions.h"
 #include "export/movie/MovieTiming.h"
 
@@ -24,7 +25,9 @@ Result<void> readNumbers(const Arguments& a, Options& options) {
                        [&] { return readNumber(a, OptionId::Shutter, 0.0, 1.0, options.shutter); },
                        [&] { return readNumber(a, OptionId::Threads, 0, mostThreads, options.threads); },
                        [&] { return readNumber(a, OptionId::Quality, 5, 100, percent); });
-    options.quality = percent / 100.0;
+    if (a.given(OptionId::Quality)) {
+        options.quality = percent / 100.0;
+    }
     return read;
 }
 
@@ -70,42 +73,13 @@ Result<void> readFrames(const Arguments& arguments, Options& options) {
     return {};
 }
 
-Result<void> tellKind(const Arguments& arguments, Options& options) {
-    for (const auto& [option, kind] : {std::pair(OptionId::ListParameters, OutputKind::ParameterList),
-                                       std::pair(OptionId::Particles, OutputKind::ParticleTable)}) {
-        if (!arguments.given(option)) {
-            continue;
-        }
-        options.kind = kind;
-        return arguments.output().empty()
-                   ? Result<void>()
-                   : Error{std::string(row(option).name) + " prints to standard output and takes no OUTPUT"};
-    }
-    if (arguments.output().empty() && !options.showFile.empty()) {
-        options.kind = OutputKind::Nothing;
-        return {};
-    }
-    if (arguments.output().empty()) {
-        return Error{"no OUTPUT given: name a picture (.png, .jpg, ...) or a movie (.m4v, .mp4); --help tells more"};
-    }
-    return readOutputName(arguments.output(), options);
-}
-
 /// Looks closer at what was typed. The show to start from comes before what is given besides it.
 Result<void> understand(const Arguments& arguments, Options& options) {
-    options.transparent = arguments.given(OptionId::Transparent);
-    if (arguments.given(OptionId::SaveShow)) {
-        options.showFile = arguments.text(OptionId::SaveShow);
-    }
     options.loop = arguments.given(OptionId::Loop);
     options.skipsExisting = arguments.given(OptionId::SkipExisting);
-    auto read = inTurn([&] { return readReporting(arguments, options); }, [&] { return readShow(arguments, options); },
-                       [&] { return readNumbers(arguments, options); }, [&] { return readFrames(arguments, options); },
-                       [&] { return tellKind(arguments, options); }, [&] { return checkTogether(arguments, options); });
-    if (options.transparent) {
-        options.background = {0.0F, 0.0F, 0.0F, 1.0F};
-    }
-    return read;
+    return inTurn([&] { return readReporting(arguments, options); }, [&] { return readShow(arguments, options); },
+                  [&] { return readNumbers(arguments, options); }, [&] { return readFrames(arguments, options); },
+                  [&] { return readOutput(arguments, options); }, [&] { return checkTogether(arguments, options); });
 }
 
 Options messageOf(std::string message) {
@@ -119,6 +93,10 @@ Options messageOf(std::string message) {
 
 std::int64_t Options::frameCount() const {
     return starbloom::frameCount(seconds, framesPerSecond);
+}
+
+Color Options::drawnBackground() const {
+    return onBlack ? Color{0.0F, 0.0F, 0.0F, 1.0F} : background;
 }
 
 Size Options::stage() const {

@@ -6,6 +6,7 @@
 #include "cli/Progress.h"
 #include "engine/model/EmitterLayer.h"
 #include "engine/panel/ParameterPanel.h"
+#include "export/clip/ClipWriter.h"
 #include "export/picture/PictureFormat.h"
 
 #include <cstdint>
@@ -24,7 +25,10 @@ enum class OutputKind {
     Frames,        ///< Numbered picture files.
     ParticleTable, ///< CSV on standard output.
     ParameterList, ///< Text on standard output.
-    Nothing,       ///< But the show file.
+    Clip,          ///< Of another kind than Movie.
+    Join,          ///< A movie of parts that are there.
+    FlashCheck,    ///< Frames that are looked at and dropped.
+    ShowFile,      ///< Nothing but the show file.
     Message,       ///< The text in Options::message on standard output: help, or the version.
 };
 
@@ -43,9 +47,15 @@ struct Options {
     std::string message;
     std::filesystem::path showFile; ///< Where the show is written to; empty: nowhere.
 
-    PictureFormat format = PictureFormat::Png; ///< Of pictures and frames, as are these two.
-    double quality = 1.0;                      ///< 0.05 to 1.
+    PictureFormat format = PictureFormat::Png; ///< Of pictures and frames.
+    ClipFormat clipFormat = ClipFormat::ProRes;
+    AlphaMode alpha = AlphaMode::Straight;    ///< Of what is transparent.
+    bool toStandardOutput = false;            ///< A clip, instead of `output`.
+    std::vector<std::filesystem::path> parts; ///< To be joined.
+    bool checksFlashes = false;
+    std::optional<double> quality; ///< 0.05 to 1; nothing: what the format usually has.
     bool transparent = false;
+    bool onBlack = false; ///< Draws the light alone, for transparency or for adding up; the background stays out.
 
     double at = 5.0;              ///< Seconds into the show of a picture or particle table.
     std::optional<double> moment; ///< The same in the layer's own time, in place of `at`.
@@ -76,6 +86,9 @@ struct Options {
 
     /// Those to be made.
     FrameSpan frames() const { return part.value_or(FrameSpan{0, frameCount()}); }
+
+    /// What is behind the light.
+    Color drawnBackground() const;
 
     /// The stage that fills the picture, in points.
     Size stage() const;

@@ -59,7 +59,7 @@ std::optional<PictureFormat> formatOf(const std::string& extension) {
 
 } // namespace
 
-Result<void> readOutputName(const std::string& name, Options& options) {
+Result<void> readOutputName(const std::string& name, bool moves, Options& options) {
     options.output = name;
     if (options.output.stem().string().starts_with('.') && !options.output.has_extension()) {
         return Error{"'" + name + "' has no name before its ending"};
@@ -69,11 +69,17 @@ Result<void> readOutputName(const std::string& name, Options& options) {
         options.kind = OutputKind::Movie;
         return {};
     }
+    const auto clip = clipFormatOf(options.output);
     const auto format = formatOf(extension);
+    if (clip && (moves || !format)) {
+        options.kind = OutputKind::Clip;
+        options.clipFormat = *clip;
+        return {};
+    }
     if (!format) {
         return Error{"'" + name +
                      "' ends in none of .bmp, .gif, .jpg, .jp2, .png, .tif (picture, or frames with %05d in the name), "
-                     ".m4v, .mp4"};
+                     ".m4v, .mp4, .mov, .webm, .webp, .apng, .gif (movie)"};
     }
     options.format = *format;
     const auto places = findNumberPlaces(options.output.filename().string()).size();

@@ -38,9 +38,14 @@ void report(const char* event, const std::string& message) {
     printLine("starbloom-render: " + line);
 }
 
-/// Milliseconds are enough, and short.
-double brief(double seconds) {
-    return std::round(seconds * 1000.0) / 1000.0;
+/// Thousandths are enough, and short.
+double brief(double number) {
+    return std::round(number * 1000.0) / 1000.0;
+}
+
+Json objectOf(const FlashEvent& event) {
+    return {{"passes", event.passes},    {"flashes", event.flashes}, {"start", brief(event.start)},
+            {"area", brief(event.area)}, {"x", brief(event.x)},      {"y", brief(event.y)}};
 }
 
 } // namespace
@@ -71,6 +76,16 @@ void reportError(const std::string& message) {
 void reportEnd(int status) {
     if (inJson) {
         printJson({{"event", "end"}, {"status", status}});
+    }
+}
+
+bool reportsAsJson() {
+    return inJson;
+}
+
+void reportFlashes(bool passes, const FlashEvent& general, const FlashEvent& red) {
+    if (inJson) {
+        printJson({{"event", "flashes"}, {"passes", passes}, {"general", objectOf(general)}, {"red", objectOf(red)}});
     }
 }
 

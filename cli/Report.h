@@ -34,4 +34,19 @@ struct ProgressReport {
 
 void reportProgress(const ProgressReport& progress);
 
+bool reportsAsJson();
+
+/// The worst second of one kind of flashes; see FlashFinding.
+struct FlashEvent {
+    bool passes = true;
+    double flashes = 0.0;
+    double start = 0.0; ///< Seconds.
+    double area = 0.0;
+    double x = 0.0;
+    double y = 0.0;
+};
+
+/// In JSON alone.
+void reportFlashes(bool passes, const FlashEvent& general, const FlashEvent& red);
+
 } // namespace starbloom

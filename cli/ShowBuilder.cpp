@@ -31,7 +31,7 @@ ShowNote noteOf(const RequestedShow& requested, const Options& options) {
     note.stage = options.stage();
     note.pixelsPerPoint = options.pixelsPerPoint;
     note.launchPoint = requested.show.changes.front().plan.emitterPosition;
-    note.background = options.background;
+    note.background = options.drawnBackground();
     note.steady = requested.show.changes.size() == 1 && !options.loop;
     return note;
 }

@@ -32,7 +32,7 @@ std::vector<ImageBuffer> framesOf(const Options& options) {
         frames.push_back(frame.image);
         return Result<void>();
     };
-    EXPECT_TRUE(runFrames(options, SinkCalls::InOrder, keep));
+    EXPECT_TRUE(runFrames(options, {.sink = keep}));
     return frames;
 }
 

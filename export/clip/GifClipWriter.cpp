@@ -20,13 +20,8 @@ namespace {
 /// The shortest time that programs show a frame for, in hundredths of a second; what is below is shown for ten.
 constexpr std::int64_t shortestDelay = 2;
 
-/// How much worse than for the frame that it was made for a palette may do before a new one is made.
-constexpr double paletteWear = 1.2;
-
-/// Dithering moves from frame to frame, so there is less of it than in a still picture.
-constexpr float dithering = 0.5F;
-
-constexpr int paletteEffort = 6; ///< 1, the slowest, to 10.
+/// Speed of the search for a palette, 1, the slowest, to 10. At 4, frames take half as long again and look the same.
+constexpr int paletteSpeed = 7;
 
 struct CloseGif {
     void operator()(CGIF* gif) const { cgif_close(gif); }
@@ -35,10 +30,11 @@ struct CloseGif {
 /// Reduces frames to palettes, each to be shown over the frames before it.
 ///
 /// A pixel that did not change stays as it is shown, and so does one that the palette could not show better; both are
-/// left transparent, so that nothing flickers that does not move. A palette is kept for as long as it does well.
+/// left transparent, so that nothing flickers that does not move. Only the others have a say in the palette. There is
+/// no dithering, as its dots would crawl; of so many colours for what moves alone, it is not missed.
 class FramePalette {
 public:
-    explicit FramePalette(int width, int height)
+    FramePalette(int width, int height)
         : m_indices(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {}
 
     liq_error reduce(const ImageBuffer& frame);
@@ -53,42 +49,44 @@ public:
     std::uint8_t transparent() const { return m_transparent; }
 
 private:
-    liq_error remap(liq_image& image, double& error);
-    liq_error makePalette(const ImageBuffer& frame, liq_image& image);
-    void readPalette();
-    void show(const ImageBuffer& frame);
+    void findChanges(const ImageBuffer& frame);
+    ImageBuffer changedPixels(const ImageBuffer& image) const;
+    liq_error quantize(const ImageBuffer& pixels, liq_color sky, std::span<std::uint8_t> indices);
+    void readPalette(const liq_palette& palette);
+    void show(std::span<const std::uint8_t> indices);
 
-    PaletteAttributes m_attributes{liq_attr_create()};
-    PaletteResult m_palette;
-    double m_paletteError = 0.0;
     ImageBuffer m_previous;
     ImageBuffer m_shown;
+    std::vector<std::size_t> m_changes; ///< Places of pixels that differ from those of the previous frame.
     std::vector<std::uint8_t> m_indices;
     std::array<std::uint8_t, 256 * 3> m_colors{};
     std::uint16_t m_colorCount = 0;
     std::uint8_t m_transparent = 0;
 };
 
-liq_error FramePalette::remap(liq_image& image, double& error) {
-    const liq_error outcome = liq_write_remapped_image(m_palette.get(), &image, m_indices.data(), m_indices.size());
-    error = liq_get_remapping_error(m_palette.get());
-    return outcome;
-}
-
-liq_error FramePalette::makePalette(const ImageBuffer& frame, liq_image& image) {
-    liq_image_add_fixed_color(&image, {0, 0, 0, 0});
-    liq_image_add_fixed_color(&image, mostFrequentColor(frame));
-    liq_result* raw = nullptr;
-    if (const liq_error error = liq_image_quantize(&image, m_attributes.get(), &raw); error != LIQ_OK) {
-        return error;
+void FramePalette::findChanges(const ImageBuffer& frame) {
+    const bool isFirst = m_previous.bytes().empty();
+    m_changes.clear();
+    for (std::size_t i = 0; i < m_indices.size(); ++i) {
+        const std::size_t at = i * ImageBuffer::channels;
+        if (isFirst || std::memcmp(&frame.bytes()[at], &m_previous.bytes()[at], 3) != 0) {
+            m_changes.push_back(i);
+        }
     }
-    m_palette.reset(raw);
-    liq_set_dithering_level(raw, dithering);
-    return remap(image, m_paletteError);
 }
 
-void FramePalette::readPalette() {
-    const liq_palette& palette = *liq_get_palette(m_palette.get());
+/// The pixels that changed, in a strip of their own, as without dithering nobody asks where they were.
+ImageBuffer FramePalette::changedPixels(const ImageBuffer& image) const {
+    constexpr int stripWidth = 256;
+    ImageBuffer strip(stripWidth, static_cast<int>((m_changes.size() + stripWidth - 1) / stripWidth));
+    for (std::size_t i = 0; i < m_changes.size(); ++i) {
+        std::memcpy(&strip.bytes()[i * ImageBuffer::channels], &image.bytes()[m_changes[i] * ImageBuffer::channels],
+                    ImageBuffer::channels);
+    }
+    return strip;
+}
+
+void FramePalette::readPalette(const liq_palette& palette) {
     m_colorCount = static_cast<std::uint16_t>(palette.count);
     for (std::size_t i = 0; i < palette.count; ++i) {
         const liq_color& color = palette.entries[i];
@@ -101,50 +99,68 @@ void FramePalette::readPalette() {
     }
 }
 
-/// Notes what is seen now, and leaves alone what did not change.
-void FramePalette::show(const ImageBuffer& frame) {
-    const bool isFirst = m_previous.bytes().empty();
-    if (isFirst) {
-        m_shown = frame;
-    }
-    for (std::size_t i = 0; i < m_indices.size(); ++i) {
-        const std::size_t at = i * ImageBuffer::channels;
-        if (!isFirst && std::memcmp(&frame.bytes()[at], &m_previous.bytes()[at], 3) == 0) {
-            m_indices[i] = m_transparent;
-        }
-        if (m_indices[i] != m_transparent) {
-            std::copy_n(&m_colors[std::size_t{3} * m_indices[i]], 3, &m_shown.bytes()[at]);
-        }
-    }
-    m_previous = frame;
-}
-
-liq_error FramePalette::reduce(const ImageBuffer& frame) {
-    if (m_attributes == nullptr) {
+/// Finds a palette for the pixels of a frame, and which of its entries each gets.
+liq_error FramePalette::quantize(const ImageBuffer& pixels, liq_color sky, std::span<std::uint8_t> indices) {
+    const PaletteAttributes attributes(liq_attr_create());
+    if (attributes == nullptr) {
         return LIQ_OUT_OF_MEMORY;
     }
-    liq_set_speed(m_attributes.get(), paletteEffort);
-    const PaletteImage image = opaqueImage(*m_attributes, frame);
+    liq_set_speed(attributes.get(), paletteSpeed);
+    const PaletteImage image = opaqueImage(*attributes, pixels);
+    const ImageBuffer shown = m_shown.bytes().empty() ? ImageBuffer() : changedPixels(m_shown);
     if (image == nullptr) {
         return LIQ_OUT_OF_MEMORY;
     }
-    if (!m_shown.bytes().empty()) {
-        PaletteImage below = opaqueImage(*m_attributes, m_shown);
+    if (!shown.bytes().empty()) {
+        PaletteImage below = opaqueImage(*attributes, shown);
         if (below == nullptr || liq_image_set_background(image.get(), below.get()) != LIQ_OK) {
             return LIQ_OUT_OF_MEMORY;
         }
         below.release(); // The picture that lies on it owns it now.
     }
-    double error = 0.0;
-    liq_error outcome = m_palette != nullptr ? remap(*image, error) : LIQ_OK;
-    if (m_palette == nullptr || error > m_paletteError * paletteWear) {
-        outcome = makePalette(frame, *image);
+    liq_image_add_fixed_color(image.get(), {0, 0, 0, 0});
+    liq_image_add_fixed_color(image.get(), sky);
+    liq_result* raw = nullptr;
+    if (const liq_error error = liq_image_quantize(image.get(), attributes.get(), &raw); error != LIQ_OK) {
+        return error;
     }
-    if (outcome == LIQ_OK) {
-        readPalette();
-        show(frame);
+    const PaletteResult result(raw);
+    liq_set_dithering_level(raw, 0.0F);
+    const liq_error error = liq_write_remapped_image(raw, image.get(), indices.data(), indices.size());
+    if (error == LIQ_OK) {
+        readPalette(*liq_get_palette(raw));
     }
-    return outcome;
+    return error;
+}
+
+/// Puts the changed pixels where they belong, and notes what is seen now.
+void FramePalette::show(std::span<const std::uint8_t> indices) {
+    std::ranges::fill(m_indices, m_transparent);
+    for (std::size_t i = 0; i < m_changes.size(); ++i) {
+        if (indices[i] != m_transparent) {
+            m_indices[m_changes[i]] = indices[i];
+            std::copy_n(&m_colors[std::size_t{3} * indices[i]], 3,
+                        &m_shown.bytes()[m_changes[i] * ImageBuffer::channels]);
+        }
+    }
+}
+
+liq_error FramePalette::reduce(const ImageBuffer& frame) {
+    findChanges(frame);
+    std::vector<std::uint8_t> indices;
+    if (!m_changes.empty()) {
+        const ImageBuffer pixels = changedPixels(frame);
+        indices.resize(pixels.bytes().size() / ImageBuffer::channels);
+        if (const liq_error error = quantize(pixels, mostFrequentColor(frame), indices); error != LIQ_OK) {
+            return error;
+        }
+    }
+    if (m_shown.bytes().empty()) {
+        m_shown = ImageBuffer(frame.width(), frame.height());
+    }
+    show(indices);
+    m_previous = frame;
+    return LIQ_OK;
 }
 
 class GifClipWriter final : public ClipWriter {

@@ -78,6 +78,7 @@ Result<void> ClipContainer::addStream(const AVCodecParameters& parameters) {
     m_stream->time_base = {1, ticksPerSecond(m_frameDuration.den)};
     m_stream->avg_frame_rate = av_inv_q(m_frameDuration);
     m_stream->r_frame_rate = m_stream->avg_frame_rate;
+    m_stream->codecpar->sample_aspect_ratio = {1, 1};
     m_stream->sample_aspect_ratio = {1, 1};
     return {};
 }

@@ -29,6 +29,11 @@ void forRows(int rows, const Convert& convert) {
     });
 }
 
+/// Most of a show is black, which is worth a shorter way.
+bool isBlack(const std::uint8_t* light) {
+    return (light[0] | light[1] | light[2]) == 0;
+}
+
 std::uint8_t coverOf(const std::uint8_t* light) {
     return std::max({light[0], light[1], light[2]});
 }
@@ -55,6 +60,10 @@ public:
         : m_red(matrix == YuvMatrix::Bt709 ? 0.2126F : 0.299F)
         , m_blue(matrix == YuvMatrix::Bt709 ? 0.0722F : 0.114F)
         , m_unit(static_cast<float>(1 << (bits - 8))) {}
+
+    int black() const { return rounded(16.0F); }
+
+    int noChroma() const { return rounded(128.0F); }
 
     int luma(const Light& light) const { return rounded(16.0F + 219.0F * brightness(light) * inverse(light)); }
 
@@ -104,12 +113,16 @@ void convertLumaAndAlpha(const ImageBuffer& frame, bool straight, const Samples&
     std::uint8_t* luma = rowOf(planes, 0, y);
     std::uint8_t* alpha = planes.data[3] != nullptr ? rowOf(planes, 3, y) : nullptr;
     for (int x = 0; x < frame.width(); ++x, pixel += ImageBuffer::channels) {
-        Light light;
-        light.add(pixel, straight, 1.0F);
-        luma[x] = static_cast<std::uint8_t>(samples.luma(light));
         if (alpha != nullptr) {
             alpha[x] = coverOf(pixel);
         }
+        if (isBlack(pixel)) {
+            luma[x] = static_cast<std::uint8_t>(samples.black());
+            continue;
+        }
+        Light light;
+        light.add(pixel, straight, 1.0F);
+        luma[x] = static_cast<std::uint8_t>(samples.luma(light));
     }
 }
 
@@ -136,14 +149,19 @@ void convertToYuva444(const ImageBuffer& frame, AlphaMode alpha, YuvMatrix matri
             to[plane] = reinterpret_cast<std::uint16_t*>(rowOf(planes, plane, y));
         }
         for (int x = 0; x < frame.width(); ++x, pixel += ImageBuffer::channels) {
+            if (to[3] != nullptr) {
+                to[3][x] = static_cast<std::uint16_t>((coverOf(pixel) * 1023 + 127) / 255);
+            }
+            if (isBlack(pixel)) {
+                to[0][x] = static_cast<std::uint16_t>(samples.black());
+                to[1][x] = to[2][x] = static_cast<std::uint16_t>(samples.noChroma());
+                continue;
+            }
             Light light;
             light.add(pixel, straight, 1.0F);
             to[0][x] = static_cast<std::uint16_t>(samples.luma(light));
             to[1][x] = static_cast<std::uint16_t>(samples.blueChroma(light));
             to[2][x] = static_cast<std::uint16_t>(samples.redChroma(light));
-            if (to[3] != nullptr) {
-                to[3][x] = static_cast<std::uint16_t>((coverOf(pixel) * 1023 + 127) / 255);
-            }
         }
     });
 }

@@ -13,10 +13,10 @@ void declare(CLI::App& app, const OptionRow& row) {
     const std::string name = (row.id == OptionId::Help ? "-h," : "") + std::string(row.name);
     CLI::Option* option = row.value == OptionValue::None ? app.add_flag(name) : app.add_option(name);
     option->type_name(std::string(row.valueName));
-    if (row.value == OptionValue::Setting) {
-        option->take_all()->allow_extra_args(false);
-    } else if (row.value == OptionValue::Files) {
+    if (row.value == OptionValue::Files) {
         option->expected(1, -1)->allow_extra_args();
+    } else if (row.value != OptionValue::None) {
+        option->take_all()->allow_extra_args(false); // What comes too often is told in our own words.
     }
 }
 
@@ -38,6 +38,12 @@ Result<Arguments> Arguments::parse(std::span<const std::string> arguments) {
     }
     for (const OptionRow& each : optionTable()) {
         const CLI::Option* option = app.get_option(std::string(each.name));
+        const bool mayRepeat =
+            each.value != OptionValue::Text && each.value != OptionValue::Choice && each.value != OptionValue::File;
+        if (option->count() > 1 && !mayRepeat) {
+            return Error{std::string(each.name) + " is given " + std::to_string(option->count()) +
+                         " times; once is enough"};
+        }
         if (option->count() > 0) {
             read.m_values[each.id] = option->results();
         }

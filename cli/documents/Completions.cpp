@@ -104,6 +104,7 @@ std::string bashCompletion() {
     return "# Completes starbloom-render in bash.\n"
            "_starbloom_render() {\n"
            "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}\n"
+           "    COMPREPLY=()\n"
            "    compopt -o filenames 2>/dev/null\n"
            "    case $before in\n" +
            choices + "        " + alternatives(OptionValue::Setting) +

@@ -67,6 +67,8 @@ Result<EncoderPointer> openEncoder(int width, int height, double quality) {
     encoder->width = width;
     encoder->height = height;
     encoder->pix_fmt = AV_PIX_FMT_BGRA;
+    // It would warn with every picture that it has to convert it; its errors stay in the log.
+    encoder->log_level_offset = AV_LOG_INFO - AV_LOG_WARNING;
     encoder->time_base = {1, 1};
     encoder->compression_level = effort;
     av_opt_set_int(encoder->priv_data, "lossless", quality >= 1.0 ? 1 : 0, 0);

@@ -20,6 +20,17 @@ void declare(CLI::App& app, const OptionRow& row) {
     }
 }
 
+/// The library's words begin with the option's name and a colon.
+Error missingValue(const std::string& words) {
+    const std::string name = words.substr(0, words.find(':'));
+    for (const OptionRow& each : optionTable()) {
+        if (each.name == name) {
+            return {name + " needs " + std::string(each.valueName) + " behind it"};
+        }
+    }
+    return {words};
+}
+
 } // namespace
 
 Result<Arguments> Arguments::parse(std::span<const std::string> arguments) {
@@ -33,6 +44,13 @@ Result<Arguments> Arguments::parse(std::span<const std::string> arguments) {
     try {
         // The library takes its arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::ExtrasError& error) {
+        const auto rest = app.remaining();
+        const std::string first = rest.empty() ? error.what() : rest.front();
+        return Error{first.starts_with("-") ? "there is no option '" + first + "'; --help lists them"
+                                            : "'" + first + "' is one OUTPUT too many"};
+    } catch (const CLI::ArgumentMismatch& error) {
+        return missingValue(error.what());
     } catch (const CLI::ParseError& error) {
         return Error{error.what()};
     }

@@ -89,10 +89,11 @@ ExitStatus renderInArena(const Options& options) {
 } // namespace
 
 ExitStatus runCommand(const Options& options) {
-    if (!options.quiet) {
-        for (const std::string& warning : options.warnings) {
-            reportWarning(warning);
-        }
+    if (options.quiet) {
+        muteWarnings();
+    }
+    for (const std::string& warning : options.warnings) {
+        reportWarning(warning);
     }
     if (!options.showFile.empty()) {
         if (const ExitStatus written = writeShowFile(options); written != Done) {

@@ -109,6 +109,7 @@ constexpr std::array statuses{
 };
 
 constexpr std::array topics{
+    TopicRow{"Moving GIF", "A .gif is a picture, unless --seconds, --frames or --loop is given: then it moves."},
     TopicRow{"Numbered frames", "They start at 0, and each is the very picture that --at gives for its moment."},
 };
 

@@ -16,6 +16,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 bool inJson = false;
+bool warningsMuted = false;
 
 /// In one piece, so that lines of several threads do not mix.
 void printLine(std::string line) {
@@ -65,8 +66,14 @@ bool asksForJson(std::span<const std::string> arguments) {
     return false;
 }
 
+void muteWarnings() {
+    warningsMuted = true;
+}
+
 void reportWarning(const std::string& message) {
-    report("warning", message);
+    if (!warningsMuted) {
+        report("warning", message);
+    }
 }
 
 void reportError(const std::string& message) {

@@ -15,6 +15,9 @@ void reportAsJson(bool json);
 /// Whether a command line asks for JSON, even one that turns out to be wrong.
 bool asksForJson(std::span<const std::string> arguments);
 
+/// Leaves warnings out from now on.
+void muteWarnings();
+
 /// Something that is probably a mistake but harms nothing.
 void reportWarning(const std::string& message);
 

@@ -90,7 +90,7 @@ struct Refusal {
 const Refusal refused[] = {
     {"", 2, "no OUTPUT given"},
     {"a.png b.png", 2, "b.png"},
-    {"--seed", 2, "--seed"},
+    {"a.png --seed", 2, "--seed needs N behind it"},
     {"--seed 1 --seed 2 a.png", 2, "--seed is given 2 times"},
     {"a.xyz", 2, "'a.xyz' ends in none of"},
     {"missing/a.png", 2, "No such file or directory"},

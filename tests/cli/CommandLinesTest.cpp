@@ -78,6 +78,10 @@ const Row doneWithoutScene[] = {
     {"--show s.json --at 6 b3.png", 0, "b3.png", "b3.png=a.png"},
     {"--show s.json --seed 2 --save-show u.json", 0, "u.json", "u.json=t.json"},
     {"j.mov --join i0.mov i1.mov", 0, "j.mov"},
+    {"--check-flashes --seconds 12 --fps 15 --size 64x48 --scale 0.6 --set animateSpeedSlider=200 "
+     "--set rocketBirthSlider=40 --set rocketHeightSlider=8 --set rocketVelocitySlider=250 --set explodeLifeSlider=5 "
+     "--set explodeVelocitySlider=300 --save-show n.json n.apng",
+     3, "n.apng n.json", "", "FAILED"},
 };
 
 /// A command line that changes no file and says one line, begun with the program's name.
@@ -93,6 +97,8 @@ const Refusal refused[] = {
     {"a.png --seed", 2, "--seed needs N behind it"},
     {"--seed 1 --seed 2 a.png", 2, "--seed is given 2 times"},
     {"a.xyz", 2, "'a.xyz' ends in none of"},
+    {".", 2, "'.' ends in none of"},
+    {"--set rocketBirthSlider=0 a.png", 2, "from 3 to 40"},
     {"missing/a.png", 2, "No such file or directory"},
     {"missing/a.webm", 2, "No such file or directory"},
     {"missing/a%d.png", 2, "No such file or directory"},
@@ -126,6 +132,7 @@ const Refusal refused[] = {
 };
 
 const Refusal refusedWithoutScene[] = {
+    {"--size 65536x65536 a.mp4", 2, "at most 16384"},
     {"--scale 0 a.png", 2, "--scale takes a number from 0.01 to 100, not '0'"},
     {"--size 30000x100 a.webm", 2, "at most 16384 pixels"},
     {"--size 60000x60000 --seconds 1 a.apng", 2, "MiB"},

@@ -97,7 +97,7 @@ const Refusal refused[] = {
     {"a.png --seed", 2, "--seed needs N behind it"},
     {"--seed 1 --seed 2 a.png", 2, "--seed is given 2 times"},
     {"a.xyz", 2, "'a.xyz' ends in none of"},
-    {".", 2, "'.' ends in none of"},
+    {".", 2, "'.' has no name before its ending"},
     {"--set rocketBirthSlider=0 a.png", 2, "from 3 to 40"},
     {"missing/a.png", 2, "No such file or directory"},
     {"missing/a.webm", 2, "No such file or directory"},

@@ -46,6 +46,7 @@ TEST(Documents, TellOfEveryOption) {
 
 TEST(Documents, AreReadWithoutComplaint) {
     EXPECT_EQ(outputOf("groff -man -Tutf8 -ww -z text", manualPage("1.2")), "");
+    EXPECT_EQ(outputOf("groff -man -Tutf8 -ww -z text", readFile(STARBLOOM_SOURCES "/packaging/man/starbloom.1")), "");
     EXPECT_EQ(outputOf("zsh -f -n text", zshCompletion()), "");
     EXPECT_EQ(outputOf("fish --no-config -n text", fishCompletion()), "");
     EXPECT_THAT(

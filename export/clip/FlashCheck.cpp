@@ -18,24 +18,24 @@ constexpr int longerSideSpots = 48;
 
 /// The levels of all spots of a frame, row after row.
 struct SpotLight {
-    explicit SpotLight(GridSize grid)
+    explicit SpotLight(SpotGrid grid)
         : luminance(static_cast<std::size_t>(grid.columns * grid.rows))
         , redness(luminance.size()) {}
 
-    std::vector<Level> luminance;
-    std::vector<Level> redness;
+    std::vector<SpotLevel> luminance;
+    std::vector<SpotLevel> redness;
 };
 
-bool isLuminanceChange(const Level& one, const Level& other) {
+bool isLuminanceChange(const SpotLevel& one, const SpotLevel& other) {
     const auto [darker, lighter] = std::minmax(one.value, other.value);
     return 10 * (lighter - darker) >= fullLight && 10 * darker < 8 * fullLight;
 }
 
-bool isRedChange(const Level& one, const Level& other) {
+bool isRedChange(const SpotLevel& one, const SpotLevel& other) {
     return 16 * std::abs(one.value - other.value) > fullLight && (one.isRed || other.isRed);
 }
 
-GridSize gridFor(int width, int height) {
+SpotGrid gridFor(int width, int height) {
     const int longer = std::max(width, height);
     const auto spots = [&](int side) {
         return std::clamp(static_cast<int>(std::lround(1.0 * longerSideSpots * side / longer)), 1, side);
@@ -46,7 +46,7 @@ GridSize gridFor(int width, int height) {
 /// Averages the pixels of each spot.
 class SpotReader {
 public:
-    SpotReader(int width, int height, GridSize grid)
+    SpotReader(int width, int height, SpotGrid grid)
         : m_width(width)
         , m_height(height)
         , m_grid(grid)
@@ -103,12 +103,12 @@ private:
         return static_cast<int>((light + sum.pixels / 2) / sum.pixels);
     }
 
-    static Level luminanceOf(const Sum& sum) {
+    static SpotLevel luminanceOf(const Sum& sum) {
         const int weighted = 2126 * mean(sum, sum.red) + 7152 * mean(sum, sum.green) + 722 * mean(sum, sum.blue);
         return {(weighted + 5000) / 10000, false};
     }
 
-    static Level rednessOf(const Sum& sum) {
+    static SpotLevel rednessOf(const Sum& sum) {
         const int red = mean(sum, sum.red);
         const int others = mean(sum, sum.green) + mean(sum, sum.blue);
         return {std::max(red - others, 0), red > 0 && 10 * red >= 8 * (red + others)};
@@ -116,7 +116,7 @@ private:
 
     int m_width;
     int m_height;
-    GridSize m_grid;
+    SpotGrid m_grid;
     std::vector<std::size_t> m_columnOf;
     std::vector<Sum> m_sums;
     std::array<std::uint32_t, 256> m_linear{};
@@ -142,7 +142,7 @@ public:
     FlashReport report() const { return {m_general.finding(), m_red.finding()}; }
 
 private:
-    GridSize m_grid;
+    SpotGrid m_grid;
     SpotReader m_reader;
     SpotLight m_light;
     FlashCounter m_general;

@@ -11,7 +11,7 @@ constexpr std::size_t mostChanges = 6; ///< Three flashes.
 
 } // namespace
 
-Direction Spot::follow(const Level& level, IsChange isChange) {
+ChangeDirection FlashSpot::follow(const SpotLevel& level, IsChange isChange) {
     if (m_isNew) {
         m_lowest = m_highest = level;
         m_isNew = false;
@@ -22,18 +22,18 @@ Direction Spot::follow(const Level& level, IsChange isChange) {
     if (level.value >= m_highest.value) {
         m_highest = level;
     }
-    if (m_last != Direction::Rise && level.value > m_lowest.value && isChange(m_lowest, level)) {
+    if (m_last != ChangeDirection::Rise && level.value > m_lowest.value && isChange(m_lowest, level)) {
         m_highest = level;
-        return m_last = Direction::Rise;
+        return m_last = ChangeDirection::Rise;
     }
-    if (m_last != Direction::Fall && level.value < m_highest.value && isChange(level, m_highest)) {
+    if (m_last != ChangeDirection::Fall && level.value < m_highest.value && isChange(level, m_highest)) {
         m_lowest = level;
-        return m_last = Direction::Fall;
+        return m_last = ChangeDirection::Fall;
     }
-    return Direction::None;
+    return ChangeDirection::None;
 }
 
-FlashCounter::FlashCounter(GridSize grid, FrameRate rate, IsChange isChange)
+FlashCounter::FlashCounter(SpotGrid grid, FrameRate rate, IsChange isChange)
     : m_grid(grid)
     , m_field{std::max((grid.columns + 1) / 3, 1), std::max((grid.rows + 1) / 3, 1)}
     , m_rate(rate)
@@ -43,29 +43,29 @@ FlashCounter::FlashCounter(GridSize grid, FrameRate rate, IsChange isChange)
     , m_falls(m_spots.size(), never)
     , m_fields(static_cast<std::size_t>((grid.columns - m_field.columns + 1) * (grid.rows - m_field.rows + 1))) {}
 
-void FlashCounter::add(std::span<const Level> levels) {
+void FlashCounter::add(std::span<const SpotLevel> levels) {
     ++m_frame;
     bool hasRise = false;
     bool hasFall = false;
     for (std::size_t i = 0; i < m_spots.size(); ++i) {
-        const Direction change = m_spots[i].follow(levels[i], m_isChange);
-        if (change == Direction::Rise) {
+        const ChangeDirection change = m_spots[i].follow(levels[i], m_isChange);
+        if (change == ChangeDirection::Rise) {
             m_rises[i] = m_frame;
             hasRise = true;
-        } else if (change == Direction::Fall) {
+        } else if (change == ChangeDirection::Fall) {
             m_falls[i] = m_frame;
             hasFall = true;
         }
     }
     if (hasRise) {
-        lookForChange(m_rises, Direction::Rise);
+        lookForChange(m_rises, ChangeDirection::Rise);
     }
     if (hasFall) {
-        lookForChange(m_falls, Direction::Fall);
+        lookForChange(m_falls, ChangeDirection::Fall);
     }
 }
 
-void FlashCounter::lookForChange(const Stamps& stamps, Direction direction) {
+void FlashCounter::lookForChange(const Stamps& stamps, ChangeDirection direction) {
     // Mostly too little changes for any field, which is quickly told.
     const auto recent = std::ranges::count_if(stamps, [&](std::int64_t stamp) { return isWithin(stamp, 10); });
     if (4 * recent <= m_field.columns * m_field.rows) {
@@ -78,14 +78,14 @@ void FlashCounter::lookForChange(const Stamps& stamps, Direction direction) {
     }
 }
 
-void FlashCounter::lookAtField(const Stamps& stamps, Direction direction, int column, int row) {
+void FlashCounter::lookAtField(const Stamps& stamps, ChangeDirection direction, int column, int row) {
     const auto perRow = static_cast<std::size_t>(m_grid.columns - m_field.columns + 1);
     Field& field = m_fields[static_cast<std::size_t>(row) * perRow + static_cast<std::size_t>(column)];
     if (field.last == direction) {
         return;
     }
     // What has been a part of one change of the field is not a part of the next.
-    std::int64_t& last = direction == Direction::Rise ? field.lastRise : field.lastFall;
+    std::int64_t& last = direction == ChangeDirection::Rise ? field.lastRise : field.lastFall;
     const std::int64_t since = std::max(last + 1, m_frame - (m_rate.frames - 1) / (10 * m_rate.seconds));
     int spots = 0;
     for (int y = row; y < row + m_field.rows; ++y) {

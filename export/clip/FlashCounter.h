@@ -17,41 +17,41 @@ namespace starbloom {
 inline constexpr int fullLight = 65535;
 
 /// The light of a spot. Whether red is saturated there counts for red changes only.
-struct Level {
+struct SpotLevel {
     int value = 0;
     bool isRed = false;
 };
 
 /// Whether going from one level to another is a change; the order does not matter.
-using IsChange = bool (*)(const Level& one, const Level& other);
+using IsChange = bool (*)(const SpotLevel& one, const SpotLevel& other);
 
-struct GridSize {
+struct SpotGrid {
     int columns;
     int rows;
 };
 
-enum class Direction { None, Rise, Fall };
+enum class ChangeDirection { None, Rise, Fall };
 
 /// Follows one spot from turning point to turning point.
-class Spot {
+class FlashSpot {
 public:
     /// The change that is complete with this level, if one is.
-    Direction follow(const Level& level, IsChange isChange);
+    ChangeDirection follow(const SpotLevel& level, IsChange isChange);
 
 private:
     bool m_isNew = true;
-    Direction m_last = Direction::None;
-    Level m_lowest; ///< Since the last change, as is the next one.
-    Level m_highest;
+    ChangeDirection m_last = ChangeDirection::None;
+    SpotLevel m_lowest; ///< Since the last change, as is the next one.
+    SpotLevel m_highest;
 };
 
 /// Counts the changes of all fields, for one kind of change.
 class FlashCounter {
 public:
-    FlashCounter(GridSize grid, FrameRate rate, IsChange isChange);
+    FlashCounter(SpotGrid grid, FrameRate rate, IsChange isChange);
 
     /// The levels of all spots in the next frame, row after row.
-    void add(std::span<const Level> levels);
+    void add(std::span<const SpotLevel> levels);
 
     const FlashFinding& finding() const { return m_finding; }
 
@@ -64,7 +64,7 @@ private:
     };
 
     struct Field {
-        Direction last = Direction::None;
+        ChangeDirection last = ChangeDirection::None;
         std::int64_t lastRise = never;
         std::int64_t lastFall = never;
         std::deque<FieldChange> changes; ///< Those of the last second.
@@ -72,8 +72,8 @@ private:
 
     static constexpr std::int64_t never = -1'000'000;
 
-    void lookForChange(const Stamps& stamps, Direction direction);
-    void lookAtField(const Stamps& stamps, Direction direction, int column, int row);
+    void lookForChange(const Stamps& stamps, ChangeDirection direction);
+    void lookAtField(const Stamps& stamps, ChangeDirection direction, int column, int row);
     void note(const Field& field, int column, int row);
 
     /// Whether two frames are less than 1 / `part` seconds apart.
@@ -81,11 +81,11 @@ private:
         return (m_frame - earlier) * part * m_rate.seconds < m_rate.frames;
     }
 
-    GridSize m_grid;
-    GridSize m_field;
+    SpotGrid m_grid;
+    SpotGrid m_field;
     FrameRate m_rate;
     IsChange m_isChange;
-    std::vector<Spot> m_spots;
+    std::vector<FlashSpot> m_spots;
     Stamps m_rises;
     Stamps m_falls;
     std::vector<Field> m_fields;

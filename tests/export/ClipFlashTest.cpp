@@ -13,23 +13,26 @@ namespace {
 
 using Rgb = std::array<std::uint8_t, 3>;
 
-constexpr int width = 192;
-constexpr int height = 144;
+/// A picture of 48 by 36 spots; a field has 16 by 12.
+constexpr int spotSide = 4;
+constexpr int width = 48 * spotSide;
+constexpr int height = 36 * spotSide;
 
-/// A spot of light in the middle that goes on and off: its size, its two colours, and its rate.
+/// A light in the middle that goes on and off: its size in spots, its two colours, and its rate.
 struct Flashing {
-    double side = 1.0; ///< Of a field, which is a third of the picture in both directions.
+    int columns = 16;
+    int rows = 12;
     Rgb dark{0, 0, 0};
     Rgb light{255, 255, 255};
     int changes = 20;          ///< In all.
     double perSecond = 8.0;    ///< Changes, not flashes.
     int framesPerSecond = 120; ///< All rates below divide it.
-    bool spreads = false;      ///< Each half of the spot changes on its own, far enough apart in time.
+    bool spreads = false;      ///< The right half follows the left one after half of a change's time.
 };
 
-void paint(ImageBuffer& frame, int left, int right, const Flashing& flashing, const Rgb& color) {
-    const int half = static_cast<int>(flashing.side * height / 6 + 0.5);
-    for (int y = height / 2 - half; y < height / 2 + half; ++y) {
+void paint(ImageBuffer& frame, int left, int right, int rows, const Rgb& color) {
+    const int top = height / 2 - rows / 2 * spotSide;
+    for (int y = top; y < top + rows * spotSide; ++y) {
         for (int x = left; x < right; ++x) {
             std::copy_n(color.begin(), 3, frame.row(y) + 4 * x);
         }
@@ -38,7 +41,8 @@ void paint(ImageBuffer& frame, int left, int right, const Flashing& flashing, co
 
 FlashReport check(const Flashing& flashing) {
     FlashCheck check(width, height, {flashing.framesPerSecond, 1});
-    const int half = static_cast<int>(flashing.side * width / 6 + 0.5);
+    const int left = width / 2 - flashing.columns / 2 * spotSide;
+    const int right = left + flashing.columns * spotSide;
     const int period = static_cast<int>(flashing.framesPerSecond / flashing.perSecond + 0.5);
     for (int i = 0; i <= period * (flashing.changes + 2); ++i) {
         ImageBuffer frame(width, height);
@@ -46,8 +50,8 @@ FlashReport check(const Flashing& flashing) {
             const int change = std::clamp(number / period, 0, flashing.changes);
             return change % 2 == 0 ? flashing.dark : flashing.light;
         };
-        paint(frame, width / 2 - half, width / 2, flashing, at(i));
-        paint(frame, width / 2, width / 2 + half, flashing, at(flashing.spreads ? i - period / 2 : i));
+        paint(frame, left, width / 2, flashing.rows, at(i));
+        paint(frame, width / 2, right, flashing.rows, at(flashing.spreads ? i - period / 2 : i));
         check.add(frame);
     }
     return check.report();
@@ -72,11 +76,11 @@ TEST(FlashCheck, limitsAreWhereTheyAreSaidToBe) {
         {"a change of less than a tenth", {.light = {89, 89, 89}}, true},
         {"the darker one is below 0.8", {.dark = {231, 231, 231}}, false},
         {"the darker one is above 0.8", {.dark = {232, 232, 232}}, true},
-        {"a little more than a quarter", {.side = 0.55}, false},
-        {"a little less than a quarter", {.side = 0.45}, true},
+        {"one spot more than a quarter", {.columns = 7, .rows = 7}, false},
+        {"exactly a quarter", {.columns = 8, .rows = 6}, true},
         {"red, too dark for a general flash", {.light = {110, 0, 0}}, true, false},
         {"red that is not saturated", {.light = {110, 60, 60}}, true},
-        {"each half apart, together too slow for one", {.perSecond = 3.0, .spreads = true}, true},
+        {"two flashes a second that spread slowly", {.perSecond = 4.0, .spreads = true}, true},
     };
     for (const auto& [what, flashing, passes, redPasses] : cases) {
         const FlashReport report = check(flashing);

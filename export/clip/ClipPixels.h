@@ -16,9 +16,6 @@ namespace starbloom {
 /// Gives a frame the alpha that a clip of RGBA pixels has; see AlphaMode.
 void applyAlpha(ImageBuffer& frame, AlphaMode alpha);
 
-// The conversions below share rows among the threads of the caller's oneTBB arena. The result does not depend on their
-// number.
-
 /// The matrix that players expect at a height.
 inline YuvMatrix matrixFor(int height) {
     return height >= 720 ? YuvMatrix::Bt709 : YuvMatrix::Bt601;
@@ -30,8 +27,10 @@ struct ClipPlanes {
     std::array<std::ptrdiff_t, 4> strides{};
 };
 
-/// To Y'CbCr of 10 bits in words of 16, limited range, with full colour; alpha is 0 to 1023. Colours are divided by
-/// alpha before anything is rounded.
+// The conversions share rows among the threads of the caller's oneTBB arena. The result does not depend on their
+// number. Straight colours keep what their light, rounded, is, and are calm where that is faint.
+
+/// To Y'CbCr of 10 bits in words of 16, limited range, with full colour; alpha is 0 to 1023.
 void convertToYuva444(const ImageBuffer& frame, AlphaMode alpha, YuvMatrix matrix, const ClipPlanes& planes);
 
 /// To Y'CbCr of 8 bits, limited range, with 4:2:0 chroma placed as in movies (see convertToYuv()); odd sides have half

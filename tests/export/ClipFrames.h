@@ -6,7 +6,9 @@
 #include "engine/time/Show.h"
 #include "tests/engine/Scenes.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <span>
 #include <string>
 #include <vector>
@@ -46,6 +48,14 @@ inline double psnr(const std::string& one, const std::string& other) {
         sum += difference * difference;
     }
     return sum > 0.0 ? 10.0 * std::log10(255.0 * 255.0 * static_cast<double>(one.size()) / sum) : 100.0;
+}
+
+inline int largestDifference(const std::string& one, const std::string& other) {
+    int largest = one.size() == other.size() ? 0 : 256;
+    for (std::size_t i = 0; i < std::min(one.size(), other.size()); ++i) {
+        largest = std::max(largest, std::abs(static_cast<std::uint8_t>(one[i]) - static_cast<std::uint8_t>(other[i])));
+    }
+    return largest;
 }
 
 } // namespace starbloom

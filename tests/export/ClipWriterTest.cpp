@@ -136,7 +136,13 @@ TEST(ClipWriter, laidOverAColourIsTheShow) {
         const auto written = writeClip(folder / name, frames, {.alpha = alpha});
         ASSERT_TRUE(written) << written.error().message;
 
-        EXPECT_GE(psnr(laidOver(folder / name, alpha), expectedOver(frames, alpha)), decibels);
+        const std::string seen = laidOver(folder / name, alpha);
+        const std::string expected = expectedOver(frames, alpha);
+        EXPECT_GE(psnr(seen, expected), decibels);
+        if (decibels > 65.0) {
+            // Divided and multiplied again, ffmpeg's bytes are rounded once more.
+            EXPECT_LE(largestDifference(seen, expected), alpha == AlphaMode::Premultiplied ? 2 : 1);
+        }
     }
     // Light on black that is added to a colour is what the renderer draws on that colour.
     const auto drawn = showFrames(width, height, 12, {32 / 255.0F, 64 / 255.0F, 160 / 255.0F, 1.0F});

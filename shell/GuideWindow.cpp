@@ -3,9 +3,9 @@
 
 #include "shell/ParameterTexts.h"
 #include "shell/guide/GuideEntry.h"
+#include "views/PanelBox.h"
 #include "views/Texts.h"
 
-#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QScrollArea>
@@ -75,7 +75,8 @@ QWidget* GuideWindow::makePage() {
     for (const ParameterRow& row : parameterTable) {
         if (groupOf(row.parameter) != group) {
             group = groupOf(row.parameter);
-            auto* box = new QGroupBox(textOf(group));
+            auto* box = new PanelBox;
+            box->setTitle(textOf(group));
             entries = new QVBoxLayout(box);
             entries->setContentsMargins(groupMargin, 2 * groupMargin, groupMargin, 2 * groupMargin);
             entries->setSpacing(entryGap);

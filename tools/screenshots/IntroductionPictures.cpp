@@ -32,19 +32,19 @@ constexpr SliderPosition wideShow[] = {
     {Parameter::RocketAngle, 1.7F},
     {Parameter::ExplodeVelocity, 95.0F},
 };
-constexpr auto wideMoment = 4600ms;
+constexpr auto wideMoment = 4450ms;
 
 /// Rockets on their way, bursts and sparkles.
 constexpr SliderPosition highShow[] = {
     {Parameter::RocketBirth, 22.0F}, {Parameter::RocketVelocity, 385.0F}, {Parameter::RocketAngle, 1.6F}};
-constexpr auto highMoment = 5500ms;
+constexpr auto highMoment = 5900ms;
 
 /// So many bursts that they cover each other.
 constexpr SliderPosition finale[] = {
     {Parameter::RocketBirth, 34.0F}, {Parameter::RocketVelocity, 385.0F},  {Parameter::RocketAngle, 1.5F},
     {Parameter::ExplodeLife, 28.0F}, {Parameter::ExplodeVelocity, 110.0F}, {Parameter::ExplodeGravity, 110.0F},
 };
-constexpr auto finaleMoment = 5000ms;
+constexpr auto finaleMoment = 4500ms;
 
 } // namespace
 

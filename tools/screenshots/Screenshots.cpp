@@ -219,6 +219,7 @@ void useLongTexts() {
 }
 
 int takeIntroduction(const QString& language, const QString& folder, const std::filesystem::path& home) {
+    QLocale::setDefault(QLocale(language)); // For numbers.
     loadTexts(QLocale(language));
     if (textsLanguage() != language) {
         throw std::runtime_error("no texts in " + language.toStdString());

@@ -103,12 +103,16 @@ void AppDelegate::followWindowOnceOnScreen() {
         m_controller.slidersMoved();
         m_stage.restart(); // What is told of a picture holds from moment 0 on.
         m_windowPlace.follow();
-        m_companions.mainWindowAppeared();
         m_exports.offerRescue();
-        // After the first frame: drawing the icon in every size that desktops ask for takes longer than showing the
-        // window.
+        // After the first frame: making the introduction, and drawing the icon in every size that desktops ask for,
+        // takes longer than showing the window.
         QMetaObject::invokeMethod(
-            &m_window, [] { QApplication::setWindowIcon(symbolIcon(u"starbloom")); }, Qt::QueuedConnection);
+            &m_window,
+            [this] {
+                m_companions.mainWindowAppeared();
+                QApplication::setWindowIcon(symbolIcon(u"starbloom"));
+            },
+            Qt::QueuedConnection);
     });
 }
 

@@ -8,6 +8,7 @@
 #include "shell/LoadedPrintSystem.h"
 #include "shell/LogCategories.h"
 #include "shell/QtDelayedCalls.h"
+#include "shell/ScreenRenderer.h"
 #include "shell/ShowSeed.h"
 #include "shell/Spark.h"
 #include "shell/TerminationSignals.h"
@@ -108,6 +109,7 @@ starbloom::AppFolder applicationFolder() {
 } // namespace
 
 int main(int argc, char** argv) {
+    starbloom::ScreenRenderer::prepareEnvironment(); // Before there are threads.
     if (!hasDisplay(argc, argv)) {
         return refuse(argc, argv);
     }
@@ -139,7 +141,9 @@ int main(int argc, char** argv) {
         &application, [&delegate] { delegate.launch(); }, Qt::QueuedConnection);
     const starbloom::TerminationSignals endings;
     QObject::connect(&endings, &starbloom::TerminationSignals::received, &application, [&] { delegate.terminate(); });
-    // Later than the first frame, and before anybody has found the button.
+    // Both later than the first frame; the encoders before anybody has found the button.
+    starbloom::ScreenRenderer screenRenderer(*delegate.window().findChild<starbloom::StageView*>());
+    calls.callAfter(std::chrono::milliseconds(300), [&] { screenRenderer.choose(starbloom::spark()); });
     calls.callAfter(std::chrono::seconds(2),
                     [&] { QThreadPool::globalInstance()->start([&] { encoders.prepare(); }); });
     const int status = QApplication::exec();

@@ -5,6 +5,7 @@
 #include "engine/model/FireworksTree.h"
 #include "engine/time/EmitterPlan.h"
 
+#include <QBackingStore>
 #include <QEvent>
 #include <QPaintEngine>
 #include <QPaintEvent>
@@ -13,7 +14,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -23,41 +23,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// QImage keeps a pixel as a number, the renderer as four bytes; here both are the same.
-static_assert(std::endian::native == std::endian::little);
-constexpr auto pictureFormat = QImage::Format_RGB32;
-
 /// Anything that is not a forward motion stands still.
 double clockSpeed(const EmitterLayer& layer) {
     return std::isfinite(layer.speed) && layer.speed > 0.0F ? static_cast<double>(layer.speed) : 0.0;
-}
-
-/// The pixels that a widget covers. With fractional scale factors its edges may lie between pixels; rounding each edge,
-/// as Qt does for its clipping, makes neighbours meet without a gap.
-QRect coveredPixels(const QRect& widget, const QTransform& toPixels) {
-    const QRectF exact = toPixels.mapRect(QRectF(widget));
-    const QPoint topLeft(qRound(exact.left()), qRound(exact.top()));
-    const QPoint bottomRight(qRound(exact.right()), qRound(exact.bottom()));
-    return {topLeft, QSize(std::max(bottomRight.x() - topLeft.x(), 1), std::max(bottomRight.y() - topLeft.y(), 1))};
-}
-
-/// Copies the part of a picture that lies in a rectangle of the target straight into the target's memory. A painter
-/// clipped to many rectangles would do it span by span, and wake threads for that.
-void copyPixels(const QImage& picture, const QPoint& place, const QRect& rect, QImage& target) {
-    const QRect area = rect & QRect(place, picture.size()) & target.rect();
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        const auto* from =
-            reinterpret_cast<const QRgb*>(picture.constScanLine(y - place.y())) + area.left() - place.x();
-        std::copy_n(from, area.width(), reinterpret_cast<QRgb*>(target.scanLine(y)) + area.left());
-    }
-}
-
-/// The window's own memory behind a painter, if a picture's pixels can be copied to it as they are.
-QImage* memoryBehind(const QPainter& painter) {
-    auto* image = dynamic_cast<QImage*>(painter.paintEngine()->paintDevice());
-    const bool same = image != nullptr && (image->format() == QImage::Format_RGB32 ||
-                                           image->format() == QImage::Format_ARGB32_Premultiplied);
-    return same ? image : nullptr;
 }
 
 } // namespace
@@ -140,6 +108,7 @@ void StageView::restart() {
     m_realTime = m_clockSource();
     m_clock = LayerClock(0.0);
     m_simulation.reset();
+    ++m_show;
     readLayer();
     invalidate();
 }
@@ -193,18 +162,16 @@ void StageView::showChanges() {
     if (!canBeSeen()) {
         return;
     }
-    if (m_renderedFrames == 0 || m_pictureSize != QWidget::size() || m_pixelsPerPoint != devicePixelRatioF()) {
+    if (showOnSurface()) {
+        return;
+    }
+    if (!m_raster.isPlaced()) {
         update(); // Where the picture lies among the screen's pixels is found out when it is painted.
         return;
     }
     // Drawn now and not when it is painted, so that only what has changed needs to be.
-    render(m_picture.size(), m_pixelsPerPoint);
-    QRegion changed;
-    for (const PixelRect& pixels : m_lit.changed()) {
-        const QRectF exact(pixels.x / m_pixelsPerPoint, pixels.y / m_pixelsPerPoint, pixels.width / m_pixelsPerPoint,
-                           pixels.height / m_pixelsPerPoint);
-        changed += m_pixelsPerPoint == 1.0 ? exact.toRect() : exact.toAlignedRect().adjusted(-1, -1, 1, 1);
-    }
+    const QRegion changed = m_raster.render(moment());
+    momentShown();
     update(changed);
 }
 
@@ -226,34 +193,84 @@ void StageView::paintEvent(QPaintEvent* event) {
         log(LogLevel::Info, "views", "first frame"); // What the benchmark of the launch waits for.
     }
     QPainter painter(this);
-    const QTransform toPixels = painter.deviceTransform();
-    const QRect pixels = coveredPixels(rect(), toPixels);
-    if (m_stale || m_picture.size() != pixels.size() || m_pixelsPerPoint != toPixels.m11()) {
-        render(pixels.size(), toPixels.m11());
-    }
-    m_pictureSize = QWidget::size();
-    if (QImage* memory = memoryBehind(painter)) {
-        for (const QRect& part : event->region()) {
-            copyPixels(m_picture, pixels.topLeft(), coveredPixels(part, toPixels), *memory);
-        }
+    const bool toWindow = paintsWindow(painter);
+    if (toWindow && showOnSurface()) {
+        // For the edge that a surface of whole points may leave free between the pixels of the screen.
+        const Color color = background();
+        const auto channel = [&color](float value) { return std::clamp(value * color.alpha, 0.0F, 1.0F); };
+        painter.fillRect(event->rect(),
+                         QColor::fromRgbF(channel(color.red), channel(color.green), channel(color.blue)));
         return;
     }
-    // Drawn in the screen's own pixels, so that nothing is scaled and no edge lies between two of them.
-    painter.setWorldTransform(QTransform::fromTranslate(pixels.x(), pixels.y()) * toPixels.inverted());
-    painter.drawImage(0, 0, m_picture);
+    if (m_stale || !m_raster.fits(painter)) {
+        m_raster.renderFor(painter, moment());
+        momentShown();
+    }
+    m_raster.paint(painter, event->region());
+    if (toWindow) {
+        m_formerRenderer.reset();
+        if (m_screenRenderer != nullptr && !isWholeInWindow()) {
+            m_screenRenderer->withdraw();
+        }
+    } else if (m_screenRenderer != nullptr) {
+        m_raster.forgetPlace(); // A picture of the window, and what lies below the surface is not painted yet.
+    }
 }
 
-void StageView::render(const QSize& pixels, double pixelsPerPoint) {
-    if (m_picture.size() != pixels) {
-        m_picture = QImage(pixels, pictureFormat);
-        m_lit.forget();
+void StageView::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    if (m_screenRenderer != nullptr) {
+        update(); // What is moved is not painted anew by itself, and a surface does not move with it.
     }
-    const RasterTarget target{m_picture.bits(), static_cast<std::size_t>(m_picture.bytesPerLine()), pixels.width(),
-                              pixels.height(), PixelOrder::Bgra};
-    m_renderer.renderNext(m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{},
-                          {.time = m_clock.time(), .pixelsPerPoint = pixelsPerPoint, .background = background()},
-                          target, m_lit);
-    m_pixelsPerPoint = pixelsPerPoint;
+}
+
+void StageView::setScreenRenderer(std::unique_ptr<StageRenderer> renderer) {
+    if (m_screenRenderer != nullptr) {
+        m_formerRenderer = std::move(m_screenRenderer);
+        m_raster.forgetPlace();
+    }
+    m_screenRenderer = std::move(renderer);
+    if (canBeSeen()) {
+        update();
+    }
+}
+
+bool StageView::showOnSurface() {
+    if (m_screenRenderer == nullptr || !canBeSeen() || !isWholeInWindow()) {
+        return false;
+    }
+    m_screenRenderer->place(*m_window, QRect(mapTo(window(), QPoint()), QWidget::size()));
+    switch (m_screenRenderer->show(moment())) {
+    case StageRenderer::Outcome::Shown:
+        momentShown();
+        m_raster.passOver();
+        m_raster.forgetPlace();
+        return true;
+    case StageRenderer::Outcome::NotYet:
+        return false;
+    case StageRenderer::Outcome::Failed:
+        log(LogLevel::Warning, "views", "the stage is drawn by the CPU from now on: its graphics context failed");
+        setScreenRenderer(nullptr);
+        return false;
+    }
+    return false;
+}
+
+bool StageView::isWholeInWindow() const {
+    return visibleRegion() == QRegion(rect());
+}
+
+bool StageView::paintsWindow(const QPainter& painter) const {
+    const QBackingStore* const store = window()->backingStore();
+    return store != nullptr && painter.paintEngine()->paintDevice() == const_cast<QBackingStore*>(store)->paintDevice();
+}
+
+StageMoment StageView::moment() const {
+    return {m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{}, m_clock.time(), background(),
+            m_show};
+}
+
+void StageView::momentShown() {
     m_shownTime = m_clock.time();
     m_stale = false;
     ++m_renderedFrames;
@@ -264,10 +281,9 @@ Color StageView::background() const {
 }
 
 void StageView::renderInto(ImageBuffer& image, const std::optional<Simulation>& simulation, double time) {
-    // The screen's renderer has its sprites already, if they are of the right size.
-    RasterRenderer& renderer = m_pixelsPerPoint == 1.0 ? m_renderer : m_captureRenderer;
-    renderer.render(simulation ? simulation->sparks() : std::span<const SparkBatch>{},
-                    {.time = time, .pixelsPerPoint = 1.0, .background = background()}, RasterTarget::of(image));
+    m_raster.pictureRenderer().render(simulation ? simulation->sparks() : std::span<const SparkBatch>{},
+                                      {.time = time, .pixelsPerPoint = 1.0, .background = background()},
+                                      RasterTarget::of(image));
 }
 
 StageView::Capture StageView::capture() {
@@ -298,13 +314,17 @@ void StageView::endRecording() {
 
 void StageView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    m_pictureSize = QSize(); // All of it is painted next.
+    m_raster.forgetPlace();
     watchWindow();
     startOrStop();
 }
 
 void StageView::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
+    if (m_screenRenderer != nullptr) {
+        m_screenRenderer->withdraw();
+    }
+    m_formerRenderer.reset();
     startOrStop();
 }
 

@@ -3,13 +3,13 @@
 
 #include "base/ImageBuffer.h"
 #include "engine/panel/Stage.h"
-#include "engine/raster/RasterRenderer.h"
 #include "engine/time/EmitterPlan.h"
 #include "engine/time/LayerClock.h"
 #include "engine/time/Simulation.h"
 #include "views/FrameSchedule.h"
+#include "views/RasterStage.h"
+#include "views/StageRenderer.h"
 
-#include <QImage>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -20,12 +20,13 @@
 #include <memory>
 #include <optional>
 
+class QPainter;
 class QScreen;
 class QWindow;
 
 namespace starbloom {
 
-/// The stage as a widget: shows a layer tree, in time, drawn on the CPU.
+/// The stage as a widget: shows a layer tree, in time, drawn on the CPU or by a renderer that it is given.
 ///
 /// Its coordinates are device-independent pixels from the bottom left corner, and its picture has one pixel for each
 /// pixel of the screen, whatever the scale factor. Resizing shows more or less of the same show.
@@ -34,7 +35,11 @@ namespace starbloom {
 /// the window is hidden, minimised or not exposed, no timer runs and nothing is drawn. Time goes on unseen: shown
 /// again, the show is where it would have been.
 ///
-/// Owns everything it needs but the layer tree, which it shares. Lives on the GUI thread; the renderer below uses the
+/// What it is given draws to the screen alone; captures and recordings are always the CPU's. When that renderer cannot
+/// show a moment (not yet on the screen, a part of the stage out of sight, or failed for good, which is logged), the
+/// CPU does.
+///
+/// Owns everything it needs but the layer tree, which it shares. Lives on the GUI thread; the CPU's renderer uses the
 /// process's worker threads while a frame is drawn.
 class StageView : public QWidget, public Stage {
     Q_OBJECT
@@ -61,6 +66,12 @@ public:
     /// Begins the show anew, at moment 0, with the numbers that the layer has now.
     void restart();
 
+    /// From now on this one draws to the screen, beginning with the moment that is there now; nothing gives the screen
+    /// back to the CPU.
+    void setScreenRenderer(std::unique_ptr<StageRenderer> renderer);
+
+    bool hasScreenRenderer() const { return m_screenRenderer != nullptr; }
+
     /// The present moment of the show as a picture, opaque, with one pixel for each point, whatever the screen has.
     struct Capture {
         ImageBuffer image;
@@ -79,8 +90,8 @@ public:
 
     void endRecording();
 
-    /// The picture shown last, in pixels of the screen.
-    const QImage& picture() const { return m_picture; }
+    /// The picture that the CPU has drawn last, in pixels of the screen.
+    const QImage& picture() const { return m_raster.picture(); }
 
     /// How many pictures have been drawn so far.
     std::uint64_t renderedFrames() const { return m_renderedFrames; }
@@ -97,6 +108,7 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -114,7 +126,11 @@ private:
     void passTimeUntil(std::chrono::nanoseconds moment);
     void readLayer();
     void invalidate();
-    void render(const QSize& pixels, double pixelsPerPoint);
+    bool showOnSurface();
+    bool isWholeInWindow() const;
+    bool paintsWindow(const QPainter& painter) const;
+    StageMoment moment() const;
+    void momentShown();
     void renderInto(ImageBuffer& image, const std::optional<Simulation>& simulation, double time);
     Color background() const;
     void takePlan(const EmitterLayer& emitter);
@@ -127,7 +143,10 @@ private:
     LayerClock m_clock{0.0};
     std::optional<Simulation> m_simulation; ///< Nothing until there is a layer.
     bool m_steady = true;                   ///< Whether it has had that plan from the start.
-    RasterRenderer m_renderer;
+    std::uint64_t m_show = 0;               ///< How often it has been begun anew.
+    RasterStage m_raster{*this};
+    std::unique_ptr<StageRenderer> m_screenRenderer;
+    std::unique_ptr<StageRenderer> m_formerRenderer; ///< Its surface stays until what lies below it is painted.
 
     struct Recording {
         std::chrono::nanoseconds realTime;
@@ -136,7 +155,6 @@ private:
     };
 
     std::optional<Recording> m_recording;
-    RasterRenderer m_captureRenderer; ///< For screens of another scale, apart, as it keeps its sprites.
 
     FrameSchedule m_schedule;
     QTimer m_timer; ///< Runs towards the next frame; stopped while there is none to come.
@@ -146,12 +164,8 @@ private:
     QPointer<QScreen> m_screen; ///< Where it is, and whose rate counts.
     QMetaObject::Connection m_rateConnection;
 
-    QImage m_picture;
-    LitArea m_lit;                 ///< Of m_picture.
-    QSize m_pictureSize;           ///< The widget's when m_picture was painted.
-    double m_pixelsPerPoint = 1.0; ///< Of m_picture.
-    double m_shownTime = 0.0;      ///< Of m_picture.
-    bool m_stale = true;           ///< Whether m_picture no longer shows the present state.
+    double m_shownTime = 0.0; ///< The moment that the screen has.
+    bool m_stale = true;      ///< Whether it is no longer the present one.
     std::uint64_t m_renderedFrames = 0;
 };
 

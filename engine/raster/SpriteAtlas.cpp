@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/raster/SpriteAtlas.h"
 
+#include "engine/raster/Resampling.h"
 #include "engine/time/Trigonometry.h"
 
 #include <algorithm>
@@ -31,44 +32,6 @@ constexpr double sizeOfIndex(int index) {
     }
     const int step = index - eighthSteps;
     return static_cast<double>(1 << (4 + step / 64)) * (1.0 + (step % 64) / 64.0);
-}
-
-/// The integral, from far left up to x, of a triangle of radius 1 and area 1 around 0: linear interpolation between the
-/// pixels of an image, collected over an interval.
-double triangleIntegral(double x) {
-    if (x <= -1.0) {
-        return 0.0;
-    }
-    if (x >= 1.0) {
-        return 1.0;
-    }
-    return x < 0.0 ? 0.5 * (x + 1.0) * (x + 1.0) : 1.0 - 0.5 * (1.0 - x) * (1.0 - x);
-}
-
-/// How much each pixel of a line of an image counts for one pixel of a sprite.
-struct Taps {
-    int first = 0;
-    std::vector<double> weights;
-};
-
-/// The taps of all `count` pixels of a sprite from pixel `first` on, for an image of `imagePixels` pixels drawn `size`
-/// pixels long around `centre`. Light is averaged over each pixel's area, so a spark keeps its energy at any size and
-/// wherever it lies between pixels.
-std::vector<Taps> tapsFor(int first, int count, int imagePixels, double size, double centre) {
-    std::vector<Taps> all(static_cast<std::size_t>(count));
-    const double step = imagePixels / size;
-    for (int i = 0; i < count; ++i) {
-        const double from = (first + i - centre + size / 2.0) * step;
-        const double to = from + step;
-        const int begin = std::clamp(static_cast<int>(std::floor(from - 1.5)), 0, imagePixels);
-        const int end = std::clamp(static_cast<int>(std::ceil(to + 1.5)), 0, imagePixels);
-        Taps& taps = all[static_cast<std::size_t>(i)];
-        taps.first = begin;
-        for (int k = begin; k < end; ++k) {
-            taps.weights.push_back((triangleIntegral(to - (k + 0.5)) - triangleIntegral(from - (k + 0.5))) / step);
-        }
-    }
-    return all;
 }
 
 float lightAt(const SparkImage& image, int x, int y) {
@@ -153,48 +116,18 @@ struct Canvas {
     }
 };
 
-/// One pass of the separable resampling: each line of `source` (of `lineLength` values) becomes taps.size() values.
-std::vector<double> resampleLines(const std::vector<double>& source, int lineLength, const std::vector<Taps>& taps) {
-    const std::size_t lines = source.size() / static_cast<std::size_t>(lineLength);
-    std::vector<double> result;
-    result.reserve(lines * taps.size());
-    for (std::size_t line = 0; line < lines; ++line) {
-        const double* values = source.data() + line * static_cast<std::size_t>(lineLength);
-        for (const Taps& tap : taps) {
-            double sum = 0.0;
-            for (std::size_t k = 0; k < tap.weights.size(); ++k) {
-                sum += tap.weights[k] * values[static_cast<std::size_t>(tap.first) + k];
-            }
-            result.push_back(sum);
-        }
-    }
-    return result;
-}
-
-std::vector<double> transposed(const std::vector<double>& values, int lineLength) {
-    const auto width = static_cast<std::size_t>(lineLength);
-    const std::size_t lines = values.size() / width;
-    std::vector<double> result(values.size());
-    for (std::size_t line = 0; line < lines; ++line) {
-        for (std::size_t i = 0; i < width; ++i) {
-            result[i * lines + line] = values[line * width + i];
-        }
-    }
-    return result;
-}
-
 Canvas drawAllPhases(const SparkImage& image, double width, double height, int reach, int phases) {
     Canvas canvas(reach, phases);
     const std::vector<double> light(image.light.begin(), image.light.end());
+    const auto pixelsAround = [&canvas, reach](double centre) { return SampleLine{-reach - centre, 1.0, canvas.side}; };
     for (int px = 0; px < phases; ++px) {
         const double centreX = static_cast<double>(px) / phases;
         const auto narrow = transposed(
-            resampleLines(light, image.width, tapsFor(-reach, canvas.side, image.width, width, centreX)), canvas.side);
+            resampleLines(light, image.width, tapsFor(pixelsAround(centreX), image.width, width)), canvas.side);
         for (int py = 0; py < phases; ++py) {
             const double centreY = static_cast<double>(py) / phases;
             const auto drawn = transposed(
-                resampleLines(narrow, image.height, tapsFor(-reach, canvas.side, image.height, height, centreY)),
-                canvas.side);
+                resampleLines(narrow, image.height, tapsFor(pixelsAround(centreY), image.height, height)), canvas.side);
             std::ranges::transform(drawn, canvas.row(py * phases + px, 0), [](double value) {
                 return static_cast<std::int16_t>(std::min(value, 1.0) * 32767.0 + 0.5);
             });

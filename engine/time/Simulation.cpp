@@ -224,7 +224,8 @@ SparkBatch& Simulation::batchFor(std::size_t cell) {
         const CellPlan& plan = m_plan.cells[cell];
         m_currentBatch[cell] = static_cast<int>(m_sparks.size());
         m_sparks.emplace_back(SparkLaw{static_cast<int>(cell), plan.lifetime, static_cast<float>(plan.yAcceleration),
-                                       plan.scaleSpeed, plan.spin, plan.colorSpeed, plan.image});
+                                       plan.scaleSpeed, plan.spin, plan.colorSpeed, plan.image},
+                              ++m_batchNumber);
     }
     return m_sparks[static_cast<std::size_t>(m_currentBatch[cell])];
 }

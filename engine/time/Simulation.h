@@ -107,6 +107,7 @@ private:
     std::vector<Emission> m_topEmissions; ///< One per cell of the plan; unused for cells that are not at the top.
     std::vector<Population> m_populations;
     std::vector<SparkBatch> m_sparks;
+    std::uint64_t m_batchNumber = 0; ///< Of the newest batch.
     std::vector<int> m_currentBatch; ///< Per cell: where its births go now; -1 when there is no batch yet.
     std::vector<std::uint64_t> m_birthCounts;
     std::size_t m_emitterCount = 0;

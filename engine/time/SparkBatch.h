@@ -5,6 +5,7 @@
 #include "engine/model/SparkImage.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -47,10 +48,14 @@ struct SparkState {
 /// May hold sparks that have died since the last sweep.
 class SparkBatch {
 public:
-    explicit SparkBatch(SparkLaw law)
-        : m_law(std::move(law)) {}
+    explicit SparkBatch(SparkLaw law, std::uint64_t number = 0)
+        : m_law(std::move(law))
+        , m_number(number) {}
 
     const SparkLaw& law() const { return m_law; }
+
+    /// Tells it from all other batches that its simulation has ever had.
+    std::uint64_t number() const { return m_number; }
 
     std::size_t size() const { return time.size(); }
 
@@ -70,6 +75,7 @@ public:
 
 private:
     SparkLaw m_law;
+    std::uint64_t m_number;
 };
 
 } // namespace starbloom

@@ -218,19 +218,26 @@ void useLongTexts() {
     QCoreApplication::installTranslator(texts);
 }
 
-int takeIntroduction(const QString& language, const QString& folder, const std::filesystem::path& home) {
+void speak(const QString& language) {
     QLocale::setDefault(QLocale(language)); // For numbers.
     loadTexts(QLocale(language));
     if (textsLanguage() != language) {
         throw std::runtime_error("no texts in " + language.toStdString());
     }
+}
+
+int takeIntroduction(const QString& language, const QString& folder, const std::filesystem::path& home) {
+    speak(language);
     const ColorScheme colorScheme;
     IntroductionPictures(folder, home).make();
     return 0;
 }
 
-int takeWindows(const QStringList& arguments, bool longTexts, const std::filesystem::path& home) {
-    loadTexts(QLocale(QLocale::English));
+/// The third argument, if there is one, is a language, or asks for longer English texts.
+int takeWindows(const QStringList& arguments, const std::filesystem::path& home) {
+    const QString texts = arguments.value(2, QStringLiteral("en"));
+    const bool longTexts = texts == QStringLiteral("--long-texts");
+    speak(longTexts ? QStringLiteral("en") : texts);
     if (longTexts) {
         useLongTexts();
     }
@@ -249,14 +256,13 @@ int run(int argc, char** argv, const QTemporaryDir& folder) {
     if (arguments.size() == 3 && arguments[0] == QStringLiteral("--introduction")) {
         return takeIntroduction(arguments[1], arguments[2], home);
     }
-    const bool longTexts = arguments.size() == 3 && arguments[2] == QStringLiteral("--long-texts");
-    if (arguments.size() != 2 && !longTexts) {
-        std::fputs("usage: starbloom_screenshots FOLDER SUFFIX [--long-texts]\n"
+    if (arguments.size() != 2 && arguments.size() != 3) {
+        std::fputs("usage: starbloom_screenshots FOLDER SUFFIX [LANGUAGE | --long-texts]\n"
                    "       starbloom_screenshots --introduction LANGUAGE FOLDER\n",
                    stderr);
         return 2;
     }
-    return takeWindows(arguments, longTexts, home);
+    return takeWindows(arguments, home);
 }
 
 } // namespace

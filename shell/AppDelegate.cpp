@@ -33,7 +33,7 @@ AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
     , m_menuSnapshot(m_window.menus())
     , m_menuCommands(m_window, m_menuSnapshot, m_surroundings)
     , m_openFile(m_surroundings.filePanel, m_menuSnapshot, m_stores, m_surroundings.documents)
-    , m_companions({m_window, m_sidebar, m_stores, m_frames}, m_surroundings)
+    , m_companions({m_window, m_sidebar, m_stores, m_frames, m_menuSnapshot}, m_surroundings)
     , m_backgroundWell(m_window.toolbar().colorWell(), m_folder.filePath6(), surroundings.calls,
                        [this](const Color& color) { m_controller.setBackgroundColor(color); })
     , m_exports({m_window, m_stage, m_controller, m_panel}, m_surroundings, m_folder, m_stores, m_menuSnapshot) {}

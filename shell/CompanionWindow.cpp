@@ -4,6 +4,7 @@
 #include "shell/DesktopFrames.h"
 #include "views/Texts.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 
@@ -28,7 +29,12 @@ void CompanionWindow::open() {
     const Frame frame = (m_memory.*m_kind.openingFrame)(frameOf(m_mainWindow.geometry()));
     setGeometry(rectOf(reachable(frame, desktopScreens())));
     setWindowTitle(textOf(m_kind.titleKey));
+    const bool asked = QApplication::activeWindow() != nullptr;
     show();
+    if (asked) { // By somebody who works with the program, and not by the launch.
+        raise();
+        activateWindow();
+    }
     m_memory.*m_kind.isOpen = true;
     m_keeper.follow();
     emit opened();

@@ -50,7 +50,8 @@ IntroductionWindow& Companions::introduction() {
 }
 
 void Companions::setTourEnabled(bool enabled) {
-    m_owners.window.menus().action(Command::AppQuicktour).setEnabled(enabled);
+    // The introduction can be closed while a sheet of the main window has the menus rest.
+    m_owners.menus.setEnabled(MenuItem::AppQuicktour, enabled);
 }
 
 void Companions::quicktourApp() {

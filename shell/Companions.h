@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "persistence/files/MenuSnapshot.h"
 #include "persistence/files/WindowFrames.h"
 #include "persistence/stores/Stores.h"
 #include "shell/Surroundings.h"
@@ -25,6 +26,7 @@ public:
         SettingsSidebar& sidebar;
         Stores& stores;
         WindowFrameMemory& frames;
+        MenuSnapshot& menus;
     };
 
     Companions(Owners owners, const Surroundings& surroundings);

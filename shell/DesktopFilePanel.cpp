@@ -2,6 +2,7 @@
 #include "shell/DesktopFilePanel.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -66,7 +67,9 @@ QFileDialog* makeDialog(const FilePanelRequest& request, QWidget* parent) {
     dialog->setOption(QFileDialog::ShowDirsOnly, folder);
     dialog->setOption(QFileDialog::ReadOnly, !request.canCreateFolders);
     if (request.startFolder) {
-        dialog->setDirectory(QFile::decodeName(request.startFolder->c_str()));
+        const QString start = QFile::decodeName(request.startFolder->c_str());
+        // A folder that is gone would stand for the one that the program was started in.
+        dialog->setDirectory(QFileInfo(start).isDir() ? start : QDir::homePath());
     }
     if (!request.types.empty()) {
         dialog->setNameFilter(filterOf(request));

@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QFocusEvent>
 #include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
@@ -113,9 +114,26 @@ EditCommands::EditCommands(Menus& menus)
 
 void EditCommands::follow(QWidget* focused) {
     if (!isMenu(focused) && !isMenu(QApplication::activePopupWidget())) {
+        if (m_field != nullptr) {
+            m_field->removeEventFilter(this);
+        }
         m_field = focused;
+        if (m_field != nullptr) {
+            m_field->installEventFilter(this);
+        }
         validate(Clipboard::Assume);
     }
+}
+
+bool EditCommands::eventFilter(QObject* watched, QEvent* event) {
+    // A line that loses the focus to the menu bar drops its selection, and with it what the edit menu is opened for. To
+    // a popup it only lends the focus.
+    if (event->type() == QEvent::FocusOut && static_cast<QFocusEvent*>(event)->reason() == Qt::MenuBarFocusReason) {
+        QFocusEvent lent(QEvent::FocusOut, Qt::PopupFocusReason);
+        watched->event(&lent);
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void EditCommands::validate(Clipboard clipboard) {

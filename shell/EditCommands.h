@@ -21,6 +21,9 @@ class EditCommands final : public QObject {
 public:
     explicit EditCommands(Menus& menus);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     /// The clipboard belongs to another program, which may be slow to answer. So it is asked only when a menu is about
     /// to show what can be pasted; at all other times there is taken to be something in it.

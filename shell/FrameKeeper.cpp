@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/FrameKeeper.h"
 
+#include "persistence/stores/KeyValueStore.h"
 #include "shell/DesktopFrames.h"
 
 #include <QEvent>
@@ -47,7 +48,12 @@ bool FrameKeeper::eventFilter(QObject* watched, QEvent* event) {
         m_pendingSave = PendingCall(m_calls, restTime, [this] { saveIfMoved(); });
     } else if (event->type() == QEvent::Close) {
         m_pendingSave.cancel();
-        saveIfMoved();
+        try {
+            saveIfMoved();
+        } catch (const StoreFailure&) {
+            // The window closes all the same. The failure comes again from the event loop, where it is told.
+            m_pendingSave = PendingCall(m_calls, std::chrono::milliseconds(0), [this] { saveIfMoved(); });
+        }
     }
     return QObject::eventFilter(watched, event);
 }

@@ -125,7 +125,7 @@ void IntroductionWindow::connectControls() {
     };
     onKeys({Qt::Key_Right, Qt::Key_PageDown}, &IntroductionWindow::forward7Clicked);
     onKeys({Qt::Key_Left, Qt::Key_PageUp}, &IntroductionWindow::back7Clicked);
-    onKeys({Qt::Key_Escape, QKeySequence::Close}, &QWidget::close);
+    onKeys({Qt::Key_Escape}, &QWidget::close); // The menus know the key that closes any window.
 }
 
 void IntroductionWindow::prepareFirstPage() {

@@ -10,6 +10,7 @@
 #include "ui_MovieWindow.h"
 
 #include <QGuiApplication>
+#include <QLocale>
 
 #include <algorithm>
 #include <string>
@@ -116,7 +117,8 @@ MovieSettings MovieWindow::settings() const {
 QString MovieWindow::makeMemoryString() const {
     const QSize stage = m_show.stageSize();
     const double bytes = settings().memoryBytes(stage.width(), stage.height(), qGuiApp->devicePixelRatio() > 1.0);
-    return qtTrId("movieMemory").arg(QString::fromStdString(megabytesText(bytes)));
+    return qtTrId("movieMemory")
+        .arg(QString::fromStdString(megabytesText(bytes)).replace(u'.', QLocale().decimalPoint()));
 }
 
 void MovieWindow::showMemory() {

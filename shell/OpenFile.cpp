@@ -28,17 +28,6 @@ std::string lowerCase(std::string text) {
     return text;
 }
 
-/// Goes on, unseen, keeping the windows from being used where the panel has left off: a command that was begun
-/// meanwhile would record the menus as it finds them, all disabled, and give them back like that.
-std::unique_ptr<QWidget> modalPause() {
-    auto pause = std::make_unique<QWidget>();
-    pause->setAttribute(Qt::WA_DontShowOnScreen);
-    pause->setAttribute(Qt::WA_QuitOnClose, false);
-    pause->setWindowModality(Qt::ApplicationModal);
-    pause->show();
-    return pause;
-}
-
 } // namespace
 
 OpenFile::OpenFile(FilePanel& panel, MenuSnapshot& menus, const Stores& stores, const DocumentsFolder& documents,
@@ -93,7 +82,9 @@ void OpenFile::answered(const std::optional<std::filesystem::path>& choice) {
         m_menus.loadMenuStatus();
         return;
     }
-    m_pause = modalPause();
+    // A command that was begun meanwhile would record the menus as it finds them, all disabled, and give them back like
+    // that.
+    m_pause = std::make_unique<InputPause>();
     m_sizes.readAtOnce(*choice, [this, path = *choice](const QSize& size) { measured(path, size); });
 }
 

@@ -4,11 +4,11 @@
 #include "persistence/files/FilePanel.h"
 #include "persistence/files/MenuSnapshot.h"
 #include "persistence/stores/Stores.h"
+#include "shell/InputPause.h"
 #include "shell/PictureSizes.h"
 #include "views/DropReceiver.h"
 
 #include <QObject>
-#include <QWidget>
 
 #include <memory>
 #include <string>
@@ -49,7 +49,7 @@ private:
     const Stores& m_stores;
     const DocumentsFolder& m_documents;
     PictureSizes m_sizes;
-    std::unique_ptr<QWidget> m_pause; ///< While the chosen file is being checked.
+    std::unique_ptr<InputPause> m_pause; ///< While the chosen file is being checked.
 };
 
 } // namespace starbloom

@@ -64,9 +64,14 @@ public:
     /// The record stays.
     void loadMenuStatus();
 
+    /// An item is to be enabled or disabled for a reason of its own. While the menus rest, that counts from the next
+    /// load on.
+    void setEnabled(MenuItem item, bool enabled);
+
 private:
     MenuItems& m_items;
     std::optional<std::array<bool, menuItemCount>> m_enabled;
+    bool m_resting = false; ///< Between a save and its load.
 };
 
 } // namespace starbloom

@@ -101,7 +101,7 @@ Ein Doppelklick setzt den Regler auf %2 zurück.</translation></message>
 <message id="settingsSavedResult"><translation>Reglerstellungen gespeichert</translation></message>
 <message id="settingsLoadedResult"><translation>Gespeicherte Reglerstellungen geladen</translation></message>
 <message id="storeFailureTitle"><translation>Einstellungen können nicht gespeichert werden</translation></message>
-<message id="storeFailureText"><translation>Ihre letzten Einstellungen konnten nicht gespeichert werden. Das Feuerwerk läuft weiter; starten Sie Starbloom neu, damit die Einstellungsdateien repariert werden.</translation></message>
+<message id="storeFailureText"><translation>Ihre neuesten Einstellungen konnten nicht gespeichert werden. Das Feuerwerk läuft weiter; starten Sie Starbloom neu, damit die Einstellungsdateien repariert werden.</translation></message>
 <message id="applicationDescription"><translation>Feuerwerk auf dem Desktop.</translation></message>
 <message id="controlExport3Window"><translation>Bildeinstellungen</translation></message>
 <message id="controlExport3Box3"><translation>Exportierte Bilder</translation></message>
@@ -319,7 +319,7 @@ Ein Doppelklick setzt den Regler auf %2 zurück.</translation></message>
 <message id="introductionDescript8"><translation>Mit den Schaltflächen links lassen Sie die Animation laufen oder halten sie an: Dann bleibt jeder Funke, wo er ist. Das Farbfeld neben der Größe bestimmt den Hintergrund der Bühne.</translation></message>
 <message id="introductionDescript9"><translation>Wählen Sie in der Werkzeugleiste einen Ordner, und klicken Sie auf den Fotoapparat: %1 speichert ein Bild genau dieses Augenblicks. Die Zeile unter der Bühne nennt seinen Namen, und ein Link zeigt es in seinem Ordner.</translation></message>
 <message id="introductionDescript10"><translation>Unter „Exporteinstellungen“ im Menü „Datei“ wählen Sie Format, Qualität und Namen Ihrer Bilder. Sie werden bei Bedarf nummeriert, damit kein Bild ein anderes ersetzt.</translation></message>
-<message id="introductionDescript11"><translation>Die Videokamera nimmt das Feuerwerk auf. Wählen Sie die Bilder pro Sekunde und die Länge, klicken Sie auf „Erstellen“, und %1 nimmt die Bühne in der Datei auf, deren Namen Sie angeben. Mit Einblenden beginnt das Video mit wenigen Raketen, und es werden immer mehr.</translation></message>
+<message id="introductionDescript11"><translation>Die Videokamera nimmt das Feuerwerk auf. Wählen Sie die Bilder pro Sekunde und die Länge, klicken Sie auf „Erstellen“, und %1 zeichnet die Bühne in die Datei auf, deren Namen Sie angeben. Mit Einblenden beginnt das Video mit wenigen Raketen, und es werden immer mehr.</translation></message>
 <message id="introductionDescript12"><translation>Die Einstellungen legen fest, was beim Start geschieht, aus welchem Ordner Dateien geöffnet und in welchen sie exportiert werden. Änderungen bleiben erhalten, wenn Sie auf „Speichern“ klicken.</translation></message>
 <message id="introductionDescript13"><translation>Das ist alles. Viel Vergnügen mit Ihrem Feuerwerk! Die Anleitung im Menü „Emitter“ erklärt jeden Regler, und im Menü „Hilfe“ finden Sie das Benutzerhandbuch und diesen Rundgang, wann immer Sie ihn noch einmal sehen möchten.</translation></message>
 <message id="introductionBack"><translation>&amp;Zurück</translation></message>

@@ -114,7 +114,7 @@ Haga doble clic para volver a %2.</translation></message>
 <message id="controlMakemovie4Box4"><translation>Vídeo</translation></message>
 <message id="controlMakemovie4Label4a"><translation>&amp;Fotogramas por segundo:</translation></message>
 <message id="controlMakemovie4Label4b"><translation>&amp;Duración en segundos:</translation></message>
-<message id="controlMakemovie4Fadein"><translation>&amp;Aparición gradual, en segundos:</translation></message>
+<message id="controlMakemovie4Fadein"><translation>Fundido de en&amp;trada, en segundos:</translation></message>
 <message id="controlMakemovie4Load"><translation>&amp;Cargar</translation></message>
 <message id="controlMakemovie4Save"><translation>&amp;Guardar</translation></message>
 <message id="controlMakemovie4Create"><translation>C&amp;rear…</translation></message>
@@ -190,7 +190,7 @@ Haga doble clic para volver a %2.</translation></message>
 <message id="pictureDiscard"><translation>&amp;Descartar</translation></message>
 <!-- Movies -->
 <message id="movieFadeinToolTip"><translation>Empieza con pocos cohetes y cada vez hay más</translation></message>
-<message id="movieFadeinLength"><translation>Duración de la aparición gradual en segundos</translation></message>
+<message id="movieFadeinLength"><translation>Duración del fundido de entrada en segundos</translation></message>
 <message id="movieLoadToolTip"><translation>Recupera las últimas opciones guardadas</translation></message>
 <message id="movieSaveToolTip"><translation>Guarda estas opciones</translation></message>
 <message id="movieMemory"><translation>Guardar un vídeo en el disco puede requerir temporalmente hasta %1 MB más de memoria RAM</translation></message>
@@ -319,7 +319,7 @@ Haga doble clic para volver a %2.</translation></message>
 <message id="introductionDescript8"><translation>Ponga en marcha o detenga la animación con los botones de la izquierda: al detenerla, cada chispa se queda donde está. El campo de color, junto al tamaño, define el fondo del escenario.</translation></message>
 <message id="introductionDescript9"><translation>Elija una carpeta en la barra de herramientas y haga clic en la cámara de fotos: %1 guarda una imagen de ese preciso instante. La línea bajo el escenario indica su nombre, y un enlace la muestra en su carpeta.</translation></message>
 <message id="introductionDescript10"><translation>En «Ajustes de exportación», dentro del menú «Archivo», puede elegir el formato, la calidad y el nombre de las imágenes. Se numeran cuando hace falta, de modo que ninguna sustituye a otra.</translation></message>
-<message id="introductionDescript11"><translation>La cámara de vídeo graba el espectáculo. Elija los fotogramas por segundo y la duración, pulse «Crear», y %1 grabará el escenario en el archivo que usted indique. Con la aparición gradual, el vídeo empieza con pocos cohetes y cada vez hay más.</translation></message>
+<message id="introductionDescript11"><translation>La cámara de vídeo graba el espectáculo. Elija los fotogramas por segundo y la duración, pulse «Crear», y %1 grabará el escenario en el archivo que usted indique. Con el fundido de entrada, el vídeo empieza con pocos cohetes y cada vez hay más.</translation></message>
 <message id="introductionDescript12"><translation>Las preferencias determinan qué ocurre al iniciar, de qué carpeta se abren los archivos y a cuál se exportan. Los cambios se conservan al pulsar «Guardar».</translation></message>
 <message id="introductionDescript13"><translation>Eso es todo. ¡Disfrute del espectáculo! La guía del menú «Emisor» explica cada deslizador, y en el menú «Ayuda» encontrará la guía del usuario y este recorrido, por si quiere verlo de nuevo.</translation></message>
 <message id="introductionBack"><translation>&amp;Anterior</translation></message>

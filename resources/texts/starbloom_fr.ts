@@ -126,9 +126,9 @@ Double-cliquez pour revenir à %2.</translation></message>
 <message id="controlPreferencesWindow"><translation>Préférences</translation></message>
 <message id="controlPreferencesClose1"><translation>&amp;Fermer</translation></message>
 <message id="controlPreferencesSave1"><translation>&amp;Enregistrer</translation></message>
-<message id="controlPreferencesSomeLabel"><translation>Certains changements demandent un redémarrage.</translation></message>
+<message id="controlPreferencesSomeLabel"><translation>Certains changements prennent effet au prochain démarrage.</translation></message>
 <message id="controlPreferencesGeneral1"><translation>&amp;Centrer la fenêtre principale</translation></message>
-<message id="controlPreferencesGeneral2"><translation>&amp;Passer l’introduction</translation></message>
+<message id="controlPreferencesGeneral2"><translation>Ignorer l’&amp;introduction</translation></message>
 <message id="controlPreferencesGeneral3"><translation>&amp;Ouvrir le panneau des réglages</translation></message>
 <message id="controlPreferencesGeneral4"><translation>C&amp;harger les réglages enregistrés et numéroter toutes les images</translation></message>
 <message id="controlPreferencesGeneral5"><translation>&amp;Rétablir la position du panneau des réglages</translation></message>

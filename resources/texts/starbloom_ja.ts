@@ -98,8 +98,8 @@
 <message id="toolbarFolder"><translation>書き出し先のフォルダー</translation></message>
 <message id="exportSelectExportfolderTitle"><translation>書き出し先のフォルダー</translation></message>
 <message id="exportSelectExportfolderMessage"><translation>画像を保存するフォルダーを選んでください</translation></message>
-<message id="settingsSavedResult"><translation>調整を保存しました</translation></message>
-<message id="settingsLoadedResult"><translation>保存した調整を読み込みました</translation></message>
+<message id="settingsSavedResult"><translation>調整内容を保存しました</translation></message>
+<message id="settingsLoadedResult"><translation>保存した調整内容を読み込みました</translation></message>
 <message id="storeFailureTitle"><translation>設定を保存できません</translation></message>
 <message id="storeFailureText"><translation>最後の設定を保存できませんでした。花火はこのまま続きます。Starbloom を起動し直すと、設定ファイルが修復されます。</translation></message>
 <message id="applicationDescription"><translation>デスクトップに上がる花火。</translation></message>
@@ -184,7 +184,7 @@
 <message id="exportNameNote"><translation>名前は空にできません。また、「.」で始めたり「:」を含めたりすることはできません。</translation></message>
 <message id="pictureSavedResult"><translation>%1 を保存しました</translation></message>
 <message id="showInFolder"><translation>フォルダー内に表示</translation></message>
-<message id="pictureFailureTitle"><translation>画像は保存されていません</translation></message>
+<message id="pictureFailureTitle"><translation>画像を保存できませんでした</translation></message>
 <message id="pictureFailureText"><translation>画像を保存できませんでした。画像はまだ残っています。別のフォルダーを選ぶか、破棄してください。</translation></message>
 <message id="pictureAnotherFolder"><translation>別のフォルダーを選択(&amp;C)…</translation></message>
 <message id="pictureDiscard"><translation>破棄(&amp;G)</translation></message>
@@ -244,9 +244,9 @@
 <message id="makeMenuAppAbout"><translation>%1 について(&amp;A)</translation></message>
 <message id="makeMenuAppHide"><translation>%1 を隠す(&amp;H)</translation></message>
 <message id="makeMenuAppQuicktour"><translation>クイックツアー(&amp;Q)</translation></message>
-<message id="makeMenuAppSavesettings"><translation>調整を保存(&amp;S)</translation></message>
-<message id="makeMenuAppLoadsettings"><translation>調整を読み込み(&amp;L)</translation></message>
-<message id="makeMenuAppDefaultsettings"><translation>標準の調整(&amp;D)</translation></message>
+<message id="makeMenuAppSavesettings"><translation>調整内容を保存(&amp;S)</translation></message>
+<message id="makeMenuAppLoadsettings"><translation>調整内容を読み込み(&amp;L)</translation></message>
+<message id="makeMenuAppDefaultsettings"><translation>既定の調整に戻す(&amp;D)</translation></message>
 <message id="makeMenuAppServices"><translation>サービス(&amp;V)</translation></message>
 <message id="makeMenuAppHideothers"><translation>ほかを隠す(&amp;O)</translation></message>
 <message id="makeMenuAppShowall"><translation>すべて表示(&amp;W)</translation></message>
@@ -307,7 +307,7 @@
 <message id="printErrorNSPrintOperation"><translation>このコンピューターでは印刷機能を利用できないため、%1 は印刷できません。</translation></message>
 <message id="aboutTitle"><translation>%1 について</translation></message>
 <message id="aboutVersion"><translation>バージョン %1</translation></message>
-<message id="aboutLicense"><translation>GNU 一般公衆利用許諾書（GPL）バージョン 3 またはそれ以降（GPL-3.0-or-later）で公開されているフリーソフトウェアです。保証は一切ありません。</translation></message>
+<message id="aboutLicense"><translation>GNU General Public License（GPL）バージョン 3 またはそれ以降（GPL-3.0-or-later）で公開されているフリーソフトウェアです。保証は一切ありません。</translation></message>
 <!-- Introduction: thirteen pages; %1 in a description is the application's name -->
 <message id="introductionDescript1"><translation>%1 へようこそ。デスクトップに上がる花火を、あなたの好きな姿にできます。このツアーでは、その方法を 2 分でご案内します。ページは矢印キーでもめくれます。</translation></message>
 <message id="introductionDescript2"><translation>ここがステージです。花火玉が下端から上がり、何百もの色とりどりの火花となって開き、その中で明るいきらめきが瞬きます。同じ瞬間は二度とありません。</translation></message>

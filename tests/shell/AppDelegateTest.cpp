@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -227,6 +228,13 @@ TEST_F(FirstLaunchTest, BringsTheIntroductionWhichMakesWayAndGoesWithTheMainWind
     tour.trigger();
     EXPECT_TRUE(introduction()->isVisible());
     EXPECT_FALSE(tour.isEnabled());
+    // Closed while another command has the menus rest, it enables its own when they come back.
+    app.window().menus().action(Command::HelpSupport).trigger();
+    introduction()->close();
+    EXPECT_FALSE(tour.isEnabled());
+    QTest::keyClick(app.window().findChild<QMessageBox*>(QStringLiteral("supportAlert")), Qt::Key_Escape);
+    EXPECT_TRUE(tour.isEnabled());
+    tour.trigger();
     QAction& guide = app.window().menus().action(Command::EmitterShow);
     guide.trigger();
     EXPECT_FALSE(guide.isEnabled());

@@ -254,6 +254,17 @@ TEST_F(MenuCommandsTest, EditingActsOnTheFocusedFieldAsFarAsThatMakesSense) {
     EXPECT_EQ(text.toPlainText(), "");
 }
 
+TEST_F(MenuCommandsTest, AMenuOpenedByTheKeyboardFindsTheSelection) {
+    auto& field = *app.window().findChild<QLineEdit*>(QStringLiteral("heightFieldT1"));
+    field.setFocus();
+    field.selectAll();
+    app.window().findChild<QMenuBar*>()->setFocus(Qt::MenuBarFocusReason);
+    EXPECT_EQ(field.selectedText(), QStringLiteral("480"));
+    emit app.window().menus().showing();
+    action("editCopy").trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("480"));
+}
+
 TEST_F(MenuCommandsTest, HelpAsksFirstAndGivesTheMenusBackWhateverTheAnswer) {
     const auto answers = {0, 1, 2}; // The first button, the second one, and Escape.
     for (const auto& [item, name, question, page] :

@@ -13,6 +13,7 @@
 
 #include "shell/Application.h"
 #include "shell/ColorScheme.h"
+#include "shell/GuideWindow.h"
 #include "shell/IntroductionWindow.h"
 #include "tools/screenshots/DrivenApplication.h"
 #include "tools/screenshots/IntroductionPictures.h"
@@ -24,6 +25,8 @@
 #include <QFile>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTranslator>
 #include <QWindow>
@@ -70,6 +73,7 @@ public:
         takeMainWindow();
         takeMenus();
         takeSidebar();
+        takeGuide();
         takePreferences();
         takeExportWindow();
         takeMovieWindow();
@@ -120,6 +124,22 @@ private:
         m_app.sidebar().openSettings();
         take("settings-sidebar", m_app.sidebar());
         m_app.sidebar().close();
+    }
+
+    /// From top to bottom, as it is seen in its window.
+    void takeGuide() {
+        find<QAction>("emitterShow").trigger();
+        auto& guide = find<GuideWindow>("guideWindow");
+        waitFor("the guide's pictures", [&] { return !guide.isDrawing(); });
+        QScrollBar& bar = *guide.findChild<QScrollArea*>()->verticalScrollBar();
+        for (int part = 1; bar.value() < bar.maximum() || part == 1; ++part) {
+            if (part > 1) {
+                bar.setValue(bar.value() + bar.pageStep());
+                waitFor("the guide's pictures", [&] { return !guide.isDrawing(); });
+            }
+            take("guide-" + std::to_string(part), guide);
+        }
+        guide.close();
     }
 
     void takePreferences() {

@@ -23,6 +23,13 @@ const char* nameOf(ContainerKind kind) {
     return nullptr;
 }
 
+/// The four letters by which a file names its codec; 0 leaves them to the container, which knows the usual ones.
+unsigned tagOf(const AVCodecParameters& parameters, ContainerKind kind) {
+    // Without a tag, QuickTime files call every ProRes 422 HQ, and editors believe them. Ours has 4:4:4 always.
+    const bool isProRes = kind == ContainerKind::QuickTime && parameters.codec_id == AV_CODEC_ID_PRORES;
+    return isProRes ? MKTAG('a', 'p', '4', 'h') : 0;
+}
+
 /// Ticks per second of the file's clock: many, as players expect, and whole ones per frame, so that no time is rounded.
 int ticksPerSecond(int frames) {
     int ticks = frames;
@@ -53,7 +60,7 @@ Result<ClipContainer> ClipContainer::open(const std::filesystem::path& path, Con
     if (const int error = avio_open(&context->pb, url.c_str(), AVIO_FLAG_WRITE); error < 0) {
         return failure(error);
     }
-    if (auto added = container.addStream(parameters); !added) {
+    if (auto added = container.addStream(parameters, kind); !added) {
         return added.error();
     }
     if (hasAlpha && kind == ContainerKind::WebM) {
@@ -65,7 +72,7 @@ Result<ClipContainer> ClipContainer::open(const std::filesystem::path& path, Con
     return container;
 }
 
-Result<void> ClipContainer::addStream(const AVCodecParameters& parameters) {
+Result<void> ClipContainer::addStream(const AVCodecParameters& parameters, ContainerKind kind) {
     m_stream = avformat_new_stream(m_container.get(), nullptr);
     if (m_stream == nullptr) {
         return failure(AVERROR(ENOMEM));
@@ -73,8 +80,8 @@ Result<void> ClipContainer::addStream(const AVCodecParameters& parameters) {
     if (const int error = avcodec_parameters_copy(m_stream->codecpar, &parameters); error < 0) {
         return failure(error);
     }
-    m_stream->codecpar->codec_tag = 0; // The container chooses.
-    m_stream->codecpar->bit_rate = 0;  // A guess, which would be written down as a fact.
+    m_stream->codecpar->codec_tag = tagOf(parameters, kind);
+    m_stream->codecpar->bit_rate = 0; // A guess, which would be written down as a fact.
     m_stream->time_base = {1, ticksPerSecond(m_frameDuration.den)};
     m_stream->avg_frame_rate = av_inv_q(m_frameDuration);
     m_stream->r_frame_rate = m_stream->avg_frame_rate;

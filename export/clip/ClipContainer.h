@@ -35,7 +35,7 @@ private:
     explicit ClipContainer(FrameRate rate)
         : m_frameDuration{rate.seconds, rate.frames} {}
 
-    Result<void> addStream(const AVCodecParameters& parameters);
+    Result<void> addStream(const AVCodecParameters& parameters, ContainerKind kind);
     Result<void> writeHeader(ContainerKind kind);
 
     AVRational m_frameDuration;

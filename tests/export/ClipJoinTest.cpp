@@ -91,6 +91,7 @@ TEST(MovieJoiner, partsGiveTheMovieOfTheWhole) {
                 EXPECT_EQ(facts[name], value) << name;
             }
         }
+        EXPECT_EQ(facts["codec_tag_string"] == "ap4h", extension == ".mov") << facts["codec_tag_string"];
         // A destination may be one of the parts.
         ASSERT_TRUE(joinMovies(Paths{joined, parts[1]}, joined));
         EXPECT_EQ(pixelsOf(joined).size(), 41 * frames.front().bytes().size());

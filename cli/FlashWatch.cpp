@@ -30,12 +30,18 @@ FlashEvent eventOf(const FlashFinding& finding, double firstSecond) {
     return {finding.passes, finding.flashes, firstSecond + finding.start, finding.area, finding.x, finding.y};
 }
 
+/// A part of a loop is not followed by its own first frame.
+Playback playbackOf(const Options& options) {
+    const bool whole = options.frames().count() == options.frameCount();
+    return options.loop && whole ? Playback::RoundAndRound : Playback::Once;
+}
+
 } // namespace
 
 FlashWatch::FlashWatch(const Options& options)
     : m_firstSecond(frameTime(options.frames().first, options.framesPerSecond)) {
     if (options.checksFlashes) {
-        m_check.emplace(options.width, options.height, FrameRate{options.framesPerSecond, 1});
+        m_check.emplace(options.width, options.height, FrameRate{options.framesPerSecond, 1}, playbackOf(options));
     }
 }
 

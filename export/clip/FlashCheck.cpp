@@ -126,31 +126,68 @@ private:
 
 class FlashCheck::Analysis {
 public:
-    Analysis(int width, int height, FrameRate rate)
-        : m_grid(gridFor(width, height))
+    Analysis(int width, int height, FrameRate rate, Playback playback)
+        : m_playback(playback)
+        , m_rate(rate)
+        , m_replayed(static_cast<std::size_t>(std::ceil(replayedSeconds * rate.perSecond())))
+        , m_grid(gridFor(width, height))
         , m_reader(width, height, m_grid)
         , m_light(m_grid)
-        , m_general(m_grid, rate, isLuminanceChange)
-        , m_red(m_grid, rate, isRedChange) {}
+        , m_counters{{m_grid, rate, isLuminanceChange}, {m_grid, rate, isRedChange}} {}
 
     void add(const ImageBuffer& frame) {
         m_reader.read(frame, m_light);
-        m_general.add(m_light.luminance);
-        m_red.add(m_light.redness);
+        m_counters.add(m_light);
+        ++m_frames;
+        if (m_playback == Playback::RoundAndRound && m_opening.size() < m_replayed) {
+            m_opening.push_back(m_light);
+        }
     }
 
-    FlashReport report() const { return {m_general.finding(), m_red.finding()}; }
+    FlashReport report() const { return m_opening.empty() ? m_counters.report() : reportOfRounds(); }
 
 private:
+    struct Counters {
+        FlashCounter general;
+        FlashCounter red;
+
+        void add(const SpotLight& light) {
+            general.add(light.luminance);
+            red.add(light.redness);
+        }
+
+        FlashReport report() const { return {general.finding(), red.finding()}; }
+    };
+
+    /// In the first round the spots have no past yet, so a whole second is looked at after the first one is over.
+    static constexpr double replayedSeconds = 2.0;
+
+    FlashReport reportOfRounds() const {
+        Counters counters = m_counters;
+        for (std::size_t i = 0; i < m_replayed; ++i) {
+            counters.add(m_opening[i % m_opening.size()]);
+        }
+        FlashReport report = counters.report();
+        const double round = static_cast<double>(m_frames) / m_rate.perSecond();
+        for (FlashFinding* finding : {&report.general, &report.red}) {
+            finding->start = std::fmod(finding->start, round);
+        }
+        return report;
+    }
+
+    Playback m_playback;
+    FrameRate m_rate;
+    std::size_t m_replayed; ///< Frames.
     SpotGrid m_grid;
     SpotReader m_reader;
     SpotLight m_light;
-    FlashCounter m_general;
-    FlashCounter m_red;
+    Counters m_counters;
+    std::vector<SpotLight> m_opening; ///< Of a round: as many of its first frames as are seen again, or all.
+    std::int64_t m_frames = 0;
 };
 
-FlashCheck::FlashCheck(int width, int height, FrameRate rate)
-    : m_analysis(std::make_unique<Analysis>(width, height, rate)) {
+FlashCheck::FlashCheck(int width, int height, FrameRate rate, Playback playback)
+    : m_analysis(std::make_unique<Analysis>(width, height, rate, playback)) {
     assert(width > 0 && height > 0 && rate.frames > 0 && rate.seconds > 0);
 }
 

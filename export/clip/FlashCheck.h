@@ -35,6 +35,11 @@ struct FlashReport {
     bool passes() const { return general.passes && red.passes; }
 };
 
+enum class Playback {
+    Once,
+    RoundAndRound, ///< The first frame follows the last.
+};
+
 /// Tells whether a clip could cause seizures: whether it stays within the thresholds for general and red flashes of the
 /// W3C's Web Content Accessibility Guidelines 2.2 (success criterion 2.3.1, "Three Flashes or Below Threshold", and
 /// the definition of "general flash and red flash thresholds").
@@ -59,11 +64,13 @@ struct FlashReport {
 ///     for (const ImageBuffer& frame : frames) check.add(frame);
 ///     if (!check.report().passes()) ...
 ///
+/// Of a clip that is played round and round, the seam and the rounds after the first count as well.
+///
 /// Frames are as a viewer sees them; alpha is ignored. One thread at a time.
 class FlashCheck {
 public:
     /// Width and height in pixels, at least 1.
-    FlashCheck(int width, int height, FrameRate rate);
+    FlashCheck(int width, int height, FrameRate rate, Playback playback = Playback::Once);
     ~FlashCheck();
     FlashCheck(FlashCheck&& other) noexcept;
     FlashCheck& operator=(FlashCheck&& other) noexcept;
@@ -71,7 +78,7 @@ public:
     /// The next frame, which must have the size that was told.
     void add(const ImageBuffer& frame);
 
-    /// Of all frames so far.
+    /// Of all frames so far, which are a whole round where rounds are played.
     FlashReport report() const;
 
 private:

@@ -83,6 +83,9 @@ const Row doneWithoutScene[] = {
      "--set rocketBirthSlider=40 --set rocketHeightSlider=8 --set rocketVelocitySlider=250 --set explodeLifeSlider=5 "
      "--set explodeVelocitySlider=300 --save-show n.json n.apng",
      3, "n.apng n.json", "", "FAILED"},
+    {"--check-flashes --loop --seconds 0.3 --fps 60 --seed 3 --size 160x120 --scale 0.25 --set rocketBirthSlider=3 "
+     "--set explodeLifeSlider=5 --set sparkleLifeSlider=9 --set explodeVelocitySlider=300",
+     3, "", "", "FAILED"},
 };
 
 /// A command line that changes no file and says one line, begun with the program's name.

@@ -111,6 +111,31 @@ TEST(FlashCheck, tellsOfTheWorstSecond) {
     EXPECT_GT(found.y, 0.5);
 }
 
+TEST(FlashCheck, roundsCountWithTheirSeam) {
+    const auto findingOf = [](Playback playback, int length, const auto& isLit) {
+        FlashCheck check(300, 240, {60, 1}, playback);
+        for (int i = 0; i < length; ++i) {
+            ImageBuffer frame(300, 240);
+            const auto bytes = frame.bytes();
+            std::ranges::fill(bytes, isLit(i) ? std::uint8_t{255} : std::uint8_t{0});
+            check.add(frame);
+        }
+        return check.report().general;
+    };
+    // One flash in 0.3 s is harmless alone; begun in the light, its first round shows a single change.
+    const auto lateFlash = [](int i) { return i >= 6 && i < 12; };
+    const auto startsLit = [](int i) { return i < 6; };
+    EXPECT_TRUE(findingOf(Playback::Once, 18, lateFlash).passes);
+    EXPECT_DOUBLE_EQ(findingOf(Playback::RoundAndRound, 18, lateFlash).flashes, 3.5);
+    EXPECT_DOUBLE_EQ(findingOf(Playback::RoundAndRound, 18, startsLit).flashes, 3.5);
+    EXPECT_LT(findingOf(Playback::RoundAndRound, 18, startsLit).start, 0.3);
+    EXPECT_TRUE(findingOf(Playback::RoundAndRound, 20, lateFlash).passes) << "three in a second are allowed";
+    // Two flashes at either end of a long round are four around its seam.
+    const auto atBothEnds = [](int i) { return (i < 24 || i >= 216) && i % 12 < 6; };
+    EXPECT_DOUBLE_EQ(findingOf(Playback::Once, 240, atBothEnds).flashes, 2.0);
+    EXPECT_FALSE(findingOf(Playback::RoundAndRound, 240, atBothEnds).passes);
+}
+
 TEST(FlashCheck, theShowPassesAndALightningOfItDoesNot) {
     FlashCheck show(320, 240, {30, 1});
     FlashCheck lightning(320, 240, {30, 1});

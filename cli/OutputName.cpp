@@ -65,27 +65,34 @@ Result<void> readOutputName(const std::string& name, bool moves, Options& option
         return Error{"'" + name + "' has no name before its ending"};
     }
     const std::string extension = lowered(options.output.extension().string());
-    if (extension == ".m4v" || extension == ".mp4") {
-        options.kind = OutputKind::Movie;
-        return {};
-    }
-    const auto clip = clipFormatOf(options.output);
+    const auto places = findNumberPlaces(options.output.filename().string()).size();
     const auto format = formatOf(extension);
-    if (clip && (moves || !format)) {
-        options.kind = OutputKind::Clip;
-        options.clipFormat = *clip;
-        return {};
-    }
-    if (!format) {
+    const auto clip = clipFormatOf(options.output);
+    const bool isMovie = extension == ".m4v" || extension == ".mp4";
+    if (!format && !clip && !isMovie) {
         return Error{"'" + name +
                      "' ends in none of .bmp, .gif, .jpg, .jp2, .png, .tif (picture, or frames with %05d in the name), "
                      ".m4v, .mp4, .mov, .webm, .webp, .apng, .gif (movie)"};
     }
-    options.format = *format;
-    const auto places = findNumberPlaces(options.output.filename().string()).size();
     if (places > 1) {
         return Error{"'" + name + "' has more than one place for the frame's number"};
     }
+    if (places == 1 && !format) {
+        return Error{"'" + name +
+                     "' has a place for the frame's number, but frames are .bmp, .gif, .jpg, .jp2, .png or "
+                     ".tif; " +
+                     extension + " is a movie in one file"};
+    }
+    if (isMovie) {
+        options.kind = OutputKind::Movie;
+        return {};
+    }
+    if (clip && places == 0 && (moves || !format)) {
+        options.kind = OutputKind::Clip;
+        options.clipFormat = *clip;
+        return {};
+    }
+    options.format = *format;
     options.kind = places == 1 ? OutputKind::Frames : OutputKind::Picture;
     return {};
 }

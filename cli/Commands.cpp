@@ -56,7 +56,12 @@ ExitStatus joinParts(const Options& options) {
     if (auto probe = PendingFile::create(options.output); !probe) {
         return failed(BadInput, probe.error());
     }
-    const auto joined = joinMovies(options.parts, options.output, [] { return !interrupted(); });
+    bool refused = false;
+    const auto joined = joinMovies(
+        options.parts, options.output, [] { return !interrupted(); }, &refused);
+    if (refused && !joined) {
+        return failed(BadInput, joined.error());
+    }
     return finished(joined ? Result<void>() : joined.error());
 }
 

@@ -133,7 +133,7 @@ Result<void> LibavClipWriter::openEncoder(const LibavRecipe& recipe) {
     m_encoder->sample_aspect_ratio = {1, 1};
     m_encoder->time_base = {m_settings.rate.seconds, m_settings.rate.frames};
     m_encoder->framerate = av_inv_q(m_encoder->time_base);
-    m_encoder->thread_count = std::max(m_settings.threads, 0);
+    m_encoder->thread_count = encoderThreads(m_settings.threads);
     m_encoder->thread_type = recipe.threadType;
     // Bit-exact: no versions of libraries in the file.
     m_encoder->flags |= AV_CODEC_FLAG_BITEXACT | AV_CODEC_FLAG_GLOBAL_HEADER;

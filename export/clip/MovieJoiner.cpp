@@ -79,6 +79,9 @@ public:
 
     std::int64_t frames() const { return m_frames; }
 
+    /// Whether a failure was the part's fault.
+    bool refusedPart() const { return m_refusedPart; }
+
 private:
     Result<void> append(AVPacket& packet);
 
@@ -88,9 +91,11 @@ private:
     const std::function<bool()>& m_goesOn;
     std::int64_t m_frames = 0;
     std::int64_t m_framesBefore = 0; ///< the part that is being read
+    bool m_refusedPart = false;
 };
 
 Result<void> Joining::append(const std::filesystem::path& path) {
+    m_refusedPart = true; // Until the part has done its share.
     auto part = MoviePart::open(path, m_kind);
     if (!part) {
         return part.error();
@@ -102,6 +107,7 @@ Result<void> Joining::append(const std::filesystem::path& path) {
             return packet.error();
         }
         if (packet.value() == nullptr) {
+            m_refusedPart = false;
             return {};
         }
         if (auto appended = append(*packet.value()); !appended) {
@@ -113,17 +119,23 @@ Result<void> Joining::append(const std::filesystem::path& path) {
 /// Times of decoding are counted anew, as very short parts have no room for theirs.
 Result<void> Joining::append(AVPacket& packet) {
     if (!m_goesOn()) {
+        m_refusedPart = false;
         return Error{"stopped"};
     }
     packet.pts += m_framesBefore;
     packet.dts = m_frames++ - m_delay;
-    return packet.pts < packet.dts ? Error{"its frames are in an order that cannot be kept"}
-                                   : m_container.write(packet);
+    if (packet.pts < packet.dts) {
+        return Error{"its frames are in an order that cannot be kept"};
+    }
+    auto written = m_container.write(packet);
+    m_refusedPart = written && m_refusedPart;
+    return written;
 }
 
 Result<JoinedMovie> join(std::span<const std::filesystem::path> paths, ContainerKind kind, const PendingFile& file,
-                         const std::function<bool()>& goesOn) {
+                         const std::function<bool()>& goesOn, bool& refused) {
     const auto plan = planFor(paths, kind);
+    refused = !plan;
     if (!plan) {
         return plan.error();
     }
@@ -139,6 +151,7 @@ Result<JoinedMovie> join(std::span<const std::filesystem::path> paths, Container
     Joining joining(kind, std::move(container).value(), plan.value().delay, goesOn);
     for (const auto& path : paths) {
         if (auto appended = joining.append(path); !appended) {
+            refused = joining.refusedPart();
             return appended.error();
         }
     }
@@ -151,7 +164,7 @@ Result<JoinedMovie> join(std::span<const std::filesystem::path> paths, Container
 } // namespace
 
 Result<JoinedMovie> joinMovies(std::span<const std::filesystem::path> parts, const std::filesystem::path& destination,
-                               const std::function<bool()>& goesOn) {
+                               const std::function<bool()>& goesOn, bool* refused) {
     const auto kind = containerFor(destination);
     if (!kind) {
         return Error{"cannot write " + destination.string() + ": joined movies are .m4v, .mp4, .mov or .webm"};
@@ -163,7 +176,8 @@ Result<JoinedMovie> joinMovies(std::span<const std::filesystem::path> parts, con
     if (!file) {
         return file.error();
     }
-    auto joined = join(parts, *kind, file.value(), goesOn);
+    bool isRefused = false;
+    auto joined = join(parts, *kind, file.value(), goesOn, refused != nullptr ? *refused : isRefused);
     if (!joined) {
         return joined;
     }

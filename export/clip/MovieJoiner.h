@@ -24,9 +24,10 @@ struct JoinedMovie {
 /// and times of one that was rendered as a whole. A part with a missing frame is refused.
 ///
 /// The movie grows in a hidden file beside the destination (see PendingFile), which may be one of the parts. `goesOn`
-/// is asked for each frame; when it says false, the movie is given up and the call fails. Any thread may call this.
+/// is asked for each frame; when it says false, the movie is given up and the call fails. Where `refused` is given, it
+/// becomes whether a failure is the fault of a part, so that trying again is of no use. Any thread may call this.
 Result<JoinedMovie> joinMovies(
     std::span<const std::filesystem::path> parts, const std::filesystem::path& destination,
-    const std::function<bool()>& goesOn = [] { return true; });
+    const std::function<bool()>& goesOn = [] { return true; }, bool* refused = nullptr);
 
 } // namespace starbloom

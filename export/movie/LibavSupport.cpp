@@ -3,14 +3,32 @@
 
 #include "base/Log.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <mutex>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace starbloom {
 
 namespace {
+
+/// Failures are told where they happen, and so is their reason: other threads' words do not get in between.
+thread_local std::string lastErrorLine;
+
+/// Without "[mov,mp4 @ 0x5581a0]", which says nothing to a user.
+std::string_view withoutSpeaker(std::string_view line) {
+    while (line.starts_with('[')) {
+        const auto end = line.find("] ");
+        if (end == std::string_view::npos || line.substr(0, end).find(" @ 0x") == std::string_view::npos) {
+            break;
+        }
+        line.remove_prefix(end + 2);
+    }
+    return line;
+}
 
 void forwardLine(void* context, int level, const char* format, va_list arguments) {
     if ((level & 0xFF) > AV_LOG_WARNING) {
@@ -23,9 +41,13 @@ void forwardLine(void* context, int level, const char* format, va_list arguments
     while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
         line.remove_suffix(1);
     }
-    if (!line.empty()) {
-        log(LogLevel::Warning, "export", line);
+    if (line.empty()) {
+        return;
     }
+    if ((level & 0xFF) <= AV_LOG_ERROR) {
+        lastErrorLine = withoutSpeaker(line);
+    }
+    log(LogLevel::Info, "export", line);
 }
 
 } // namespace
@@ -33,12 +55,18 @@ void forwardLine(void* context, int level, const char* format, va_list arguments
 std::string reasonOf(int averror) {
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
     av_strerror(averror, text.data(), text.size());
-    return text.data();
+    const std::string detail = std::exchange(lastErrorLine, {});
+    return detail.empty() ? text.data() : std::string(text.data()) + " (" + detail + ")";
 }
 
 void forwardLibavLog() {
     static std::once_flag done;
     std::call_once(done, [] { av_log_set_callback(forwardLine); });
+    lastErrorLine.clear();
+}
+
+int encoderThreads(int threads) {
+    return std::clamp(threads, 0, 16);
 }
 
 } // namespace starbloom

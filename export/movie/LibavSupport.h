@@ -38,11 +38,16 @@ using PacketPointer = PointerTo<AVPacket, av_packet_free>;
 using InputPointer = PointerTo<AVFormatContext, avformat_close_input>;
 using ContainerPointer = std::unique_ptr<AVFormatContext, FreeContainer>;
 
-/// The libraries' own words for an error.
+/// The libraries' own words for an error. Behind them, in brackets, what they said last about an error in this thread,
+/// which often tells more; it is told once.
 std::string reasonOf(int averror);
 
-/// Sends what the libraries have to say to the log under "export". They have one log for the whole process, and its
-/// default is standard error. Any thread may call it, any number of times.
+/// Sends what the libraries have to say to the log under "export", as information: what matters of it comes up again in
+/// the reason of a failure. They have one log for the whole process, and its default is standard error. Any thread may
+/// call it, any number of times; what they said in this thread before is no reason any more.
 void forwardLibavLog();
+
+/// How many threads to ask an encoder for; 0: it chooses. With more than it can use well, the libraries complain.
+int encoderThreads(int threads);
 
 } // namespace starbloom

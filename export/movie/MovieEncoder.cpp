@@ -110,7 +110,7 @@ Result<void> MovieEncoder::openContext() {
     m_context->sample_aspect_ratio = {1, 1};
     m_context->time_base = {1, m_format.framesPerSecond};
     m_context->framerate = {m_format.framesPerSecond, 1};
-    m_context->thread_count = std::max(m_format.threads, 0);
+    m_context->thread_count = encoderThreads(m_format.threads);
     // The container wants the stream's parameters in front. Bit-exact: no versions of libraries in the stream.
     m_context->flags |= AV_CODEC_FLAG_BITEXACT | AV_CODEC_FLAG_GLOBAL_HEADER;
     describeColors(*m_context, m_matrix);

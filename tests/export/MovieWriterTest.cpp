@@ -295,7 +295,7 @@ TEST(MovieWriter, librariesSpeakToTheLogOnly) {
     av_log(nullptr, AV_LOG_ERROR, "the encoder's reason\n");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     setLogSink({});
-    EXPECT_THAT(lines, ElementsAre("warning export the encoder's reason"));
+    EXPECT_THAT(lines, ElementsAre("info export the encoder's reason"));
 }
 
 } // namespace

@@ -31,9 +31,25 @@ Error missingValue(const std::string& words) {
     return {words};
 }
 
+/// Whoever writes --loop=false does not want a loop.
+Result<void> checkFlags(std::span<const std::string> arguments) {
+    for (const std::string& argument : arguments) {
+        const std::string name = argument.substr(0, argument.find('='));
+        for (const OptionRow& each : optionTable()) {
+            if (each.value == OptionValue::None && each.name == name && name.size() < argument.size()) {
+                return Error{name + " takes no value: write it alone, or leave it out"};
+            }
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 Result<Arguments> Arguments::parse(std::span<const std::string> arguments) {
+    if (auto checked = checkFlags(arguments); !checked) {
+        return checked.error();
+    }
     CLI::App app;
     app.set_help_flag();
     Arguments read;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
@@ -47,6 +48,7 @@ const Row done[] = {
     {"--from 6 --frames :1 --transparent q%d.tif", 0, "q0.tif"},
     {"--from 6 --frames 2:4 g%02d.png", 0, "g02.png g03.png", "g03.png=f3.png"},
     {"--from 6 --seed 2 --frames :7 --skip-existing f%d.png", 0, "f6.png", "f0.png=a.png"},
+    {"--from 6 --frames 3:4 h%d.gif", 0, "h3.gif"},
     {"--skip-existing c.png", 0, "", "c.png!a.png"},
     {"--from 4 --seconds 2 --fade-in 1 --fps 5 f.mp4", 0, "f.mp4"},
     {"--from 4 --seconds 1 --loop --fps 5 h.mp4", 0, "h.mp4", "h.mp4!f.mp4"},
@@ -100,6 +102,9 @@ const Refusal refused[] = {
     {"a.png b.png", 2, "b.png"},
     {"a.png --seed", 2, "--seed needs N behind it"},
     {"--seed 1 --seed 2 a.png", 2, "--seed is given 2 times"},
+    {"--loop=false a.mp4", 2, "--loop takes no value"},
+    {"--seconds 1 a%d.webp", 2, "'a%d.webp' has a place for the frame's number, but"},
+    {"a%d.mp4", 2, ".mp4 is a movie in one file"},
     {"a.xyz", 2, "'a.xyz' ends in none of"},
     {".", 2, "'.' has no name before its ending"},
     {"--set rocketBirthSlider=0 a.png", 2, "from 3 to 40"},
@@ -143,7 +148,9 @@ const Refusal refusedWithoutScene[] = {
     {"--size 65536x1 --scale 0.01 a.png", 2, "points"},
     {"j.png --join i0.mov", 2, "--join makes an OUTPUT of"},
     {"j.mov --join none.mov", 2, "none.mov is missing"},
-    {"j1.mov --join i0.mov f.mp4", 1, "cannot join f.mp4"},
+    {"j1.mov --join i0.mov f.mp4", 2, "cannot join f.mp4"},
+    {"j1.mov --join i0.mov a.png", 2, "cannot join a.png"},
+    {"j1.mov --join i0.mov cut.mov", 2, "cannot join cut.mov"},
 };
 
 /// Runs the program as a shell would, without the user's own files.
@@ -214,6 +221,8 @@ TEST_F(CommandLines, EachOptionWorksAndEachMistakeIsRefused) {
     for (const Refusal& each : refused) {
         check(each, scene);
     }
+    const std::string part = readFile(folder / "i0.mov");
+    std::ofstream(folder / "cut.mov") << part.substr(0, part.size() / 2);
     for (const Refusal& each : refusedWithoutScene) {
         check(each, "");
     }

@@ -79,6 +79,9 @@ void FrameRenderer::renderMoment(double moment, ImageBuffer& image) {
     for (int step = 0; step < steps; ++step) {
         drawAt(moment + m_exposure * (step + 0.5) / steps, image);
         m_average.add(image);
+        if (interrupted()) { // There may be hundreds of steps, and nobody wants the picture any more.
+            break;
+        }
     }
     m_average.take(image);
 }
@@ -126,6 +129,10 @@ Result<void> runFrames(const Options& options, const FrameHandling& handling) {
         // Without the isolation this thread, while it waits for help within a frame, could start on a sink.
         job.moment = renderer.momentAt(seconds);
         tbb::this_task_arena::isolate([&] { renderer.renderMoment(job.moment, *job.image); });
+        if (interrupted()) {
+            flow.stop();
+            return {};
+        }
         if (handling.watch) {
             handling.watch(*job.image);
         }

@@ -24,7 +24,7 @@ public:
     /// The stage as a viewer sees it `seconds` into the show.
     void render(double seconds, ImageBuffer& image) { renderMoment(momentAt(seconds), image); }
 
-    /// The same at a moment of the layer's own time.
+    /// The same at a moment of the layer's own time. Returns early, with whatever is there, when the user interrupts.
     void renderMoment(double moment, ImageBuffer& image);
 
     const Simulation& particlesAtMoment(double moment);

@@ -15,6 +15,12 @@ namespace {
 /// Sparkles live a twentieth of a second, so their light is looked at several times in it.
 constexpr double momentsPerSecond = 240.0;
 
+/// A quarter of what is bright of a trail's spark: longer steps show as beads.
+constexpr double pointsPerStep = 1.5;
+
+/// With so few it does not matter that steps of a pixel are finer than anybody sees.
+constexpr double fewSteps = 64.0;
+
 constexpr double fullLinear = 65535.0;
 
 /// The light that a display gives for a value of 0 to 1 (sRGB).
@@ -83,8 +89,9 @@ int BlurSteps::at(double moment) {
     if (fastest < 0.0) {
         return 1;
     }
-    const double pixels = std::sqrt(fastest) * m_exposure * m_pixelsPerPoint;
-    const double steps = std::ceil(std::max(pixels, m_exposure * momentsPerSecond));
+    const double points = std::sqrt(fastest) * m_exposure;
+    const double forWay = std::min(points * m_pixelsPerPoint, std::max(points / pointsPerStep, fewSteps));
+    const double steps = std::ceil(std::max(forWay, m_exposure * momentsPerSecond));
     return static_cast<int>(std::clamp(steps, 1.0, static_cast<double>(most)));
 }
 

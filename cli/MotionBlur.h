@@ -10,13 +10,13 @@
 namespace starbloom {
 
 /// Tells how many moments a frame needs so that no spark is seen twice along its way: none moves by more than a pixel
-/// from one to the next, and none flickers between them. Plays the show itself, a little ahead; moments that are asked
-/// for in order cost least. One thread at a time.
+/// from one to the next, or where that takes many of them, by more than a quarter of its width, and none flickers
+/// between them. Plays the show itself, a little ahead; moments that are asked for in order cost least. One thread at a
+/// time.
 class BlurSteps {
 public:
-    /// A burst at full speed, drawn for a large screen, needs some forty in a frame of a thirtieth of a second. Beyond
-    /// the limit steps grow to a few pixels, still less than a spark is wide.
-    static constexpr int most = 64;
+    /// Never reached by a show at its usual speed. As many pictures as this can be summed.
+    static constexpr int most = 16384;
 
     /// `exposure` is how long the shutter is open, in seconds of the layer's own time.
     BlurSteps(Show show, double exposure, double pixelsPerPoint);

@@ -6,9 +6,13 @@
 #include "cli/FramePipeline.h"
 #include "cli/Interruption.h"
 #include "cli/Pictures.h"
+#include "cli/Report.h"
+#include "cli/ShowBuilder.h"
 #include "export/clip/ClipWriter.h"
 #include "export/movie/MovieWriter.h"
 
+#include <cmath>
+#include <string>
 #include <unistd.h>
 
 namespace starbloom {
@@ -63,9 +67,21 @@ ExitStatus makeNumberedFrames(const Options& options, const FrameWatch& watch) {
     return finished(runFrames(options, {.sink = save, .calls = SinkCalls::Together, .wanted = wanted, .watch = watch}));
 }
 
+/// A round of a few rockets can become another show than the one that was asked for.
+void warnAboutLoop(const Options& options) {
+    constexpr double noticeable = 0.2;
+    const double rate = options.loop ? buildShow(options).loopRate : 1.0;
+    if (std::abs(rate - 1.0) > noticeable) {
+        reportWarning("--loop: a whole number of rockets starts in a round, so their rate is " +
+                      std::to_string(std::lround(100.0 * rate)) +
+                      " % of what it is without; longer rounds come closer");
+    }
+}
+
 } // namespace
 
 ExitStatus makeFrames(const Options& options, int threads) {
+    warnAboutLoop(options);
     FlashWatch flashes(options);
     ExitStatus status = Done;
     if (options.kind == OutputKind::Movie) {

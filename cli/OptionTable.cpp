@@ -65,11 +65,13 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionId::Fps, time, "--fps", Text, "N", "Frames per second, 1 to 240 (default 30)", ""},
     {OptionId::Shutter, time, "--shutter", Text, "FRACTION",
      "Blurs what moves: how much of a frame's time the shutter is open, 0 to 1 (default 0)",
-     "Each frame is the mean, in light, of as many moments as it takes for no spark to move by more than a pixel from "
-     "one to the next, 64 at most. 0.5 looks as film does. A picture takes its frame's time from --fps."},
+     "Each frame is the mean, in light, of as many moments as it takes for no spark to be seen twice along its "
+     "way: the slower the rate and the faster the sparks, the more, and the longer it takes. 0.5 looks as film does. A "
+     "picture takes its frame's time from --fps."},
     {OptionId::Loop, time, "--loop", None, "", "Makes a movie or frames that can be played round and round",
      "The first frame follows the last as any frame follows the one before. A round lasts --seconds; the rocket "
-     "rate gives way a little, so that a whole number of rockets starts in it."},
+     "rate gives way, so that a whole number of rockets starts in it: a little in a long round, more in a short or "
+     "slow one."},
     {OptionId::Frames, parts, "--frames", Text, "A:B", "Makes only frames A to B-1 of the whole, counted from 0",
      "Each is the very frame that it is in the whole, and numbered files keep their numbers. A: goes to the "
      "end, :B starts with the first. Without --seconds and --loop, B may lie beyond the default length."},

@@ -6,6 +6,7 @@
 #include "export/picture/PngCodec.h"
 #include "resources/Resources.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <utility>
@@ -36,6 +37,12 @@ ShowNote noteOf(const RequestedShow& requested, const Options& options) {
     return note;
 }
 
+/// Rockets per second of the layer's time.
+double rocketRate(const EmitterPlan& plan) {
+    const auto rocket = std::ranges::find_if(plan.cells, [](const CellPlan& cell) { return cell.parent < 0; });
+    return rocket == plan.cells.end() ? 0.0 : static_cast<double>(rocket->birthRate);
+}
+
 /// Makes a steady show one whose frame after the last would be the first again.
 void makeLoop(RequestedShow& requested, const Options& options) {
     EmitterPlan& plan = requested.show.changes.front().plan;
@@ -43,7 +50,9 @@ void makeLoop(RequestedShow& requested, const Options& options) {
     if (!(round > 0.0)) {
         return; // At speed 0 each frame is like the others.
     }
+    const double wanted = rocketRate(plan);
     plan.repeatEvery(round);
+    requested.loopRate = wanted > 0.0 ? rocketRate(plan) / wanted : 1.0;
     AncestryBound ancestry;
     ancestry.include(plan);
     requested.start = std::ceil(ancestry.longest() / round) * round;

@@ -12,7 +12,8 @@ struct RequestedShow {
     Show show;
     double speed = 1.0; ///< Layer seconds per second as the viewer counts.
     double start = 0.0; ///< Layer time of the show's first moment; a loop begins when all that it shows has been born.
-    ShowNote note;      ///< For its pictures; each has its own moment.
+    double loopRate = 1.0; ///< By what --loop has multiplied the rocket rate.
+    ShowNote note;         ///< For its pictures; each has its own moment.
 };
 
 /// Applies the options' positions to a freshly built tree, as the sliders of the application would, and lays the climb

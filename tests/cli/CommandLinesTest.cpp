@@ -51,7 +51,7 @@ const Row done[] = {
     {"--from 6 --frames 3:4 h%d.gif", 0, "h3.gif"},
     {"--skip-existing c.png", 0, "", "c.png!a.png"},
     {"--from 4 --seconds 2 --fade-in 1 --fps 5 f.mp4", 0, "f.mp4"},
-    {"--from 4 --seconds 1 --loop --fps 5 h.mp4", 0, "h.mp4", "h.mp4!f.mp4"},
+    {"--from 4 --seconds 1 --loop --fps 5 h.mp4", 0, "h.mp4", "h.mp4!f.mp4", "", "so their rate is 200 %"},
     {"--from 4 --frames 0:4 --fps 5 i0.mov", 0, "i0.mov"},
     {"--from 4 --frames 4:9 --fps 5 i1.mov", 0, "i1.mov"},
     {"--from 4 --seconds 1 --fps 5 --transparent k.webm", 0, "k.webm"},
@@ -87,7 +87,7 @@ const Row doneWithoutScene[] = {
      3, "n.apng n.json", "", "FAILED"},
     {"--check-flashes --loop --seconds 0.3 --fps 60 --seed 3 --size 160x120 --scale 0.25 --set rocketBirthSlider=3 "
      "--set explodeLifeSlider=5 --set sparkleLifeSlider=9 --set explodeVelocitySlider=300",
-     3, "", "", "FAILED"},
+     3, "", "", "FAILED", "--loop: a whole number of rockets starts in a round, so their rate is "},
 };
 
 /// A command line that changes no file and says one line, begun with the program's name.

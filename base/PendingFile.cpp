@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -33,6 +34,21 @@ void syncFolder(const std::filesystem::path& folder) {
 std::filesystem::path folderOf(const std::filesystem::path& target) {
     const auto parent = target.parent_path();
     return parent.empty() ? std::filesystem::path(".") : parent;
+}
+
+/// Where a chain of symbolic links ends, even when nothing is there; the target itself where that cannot be told.
+std::filesystem::path endOfLinks(const std::filesystem::path& target) {
+    constexpr int longestChain = 40; // As the system has it.
+    std::filesystem::path end = target;
+    std::error_code error;
+    for (int links = 0; links < longestChain && std::filesystem::is_symlink(end, error); ++links) {
+        const auto next = std::filesystem::read_symlink(end, error);
+        if (error) {
+            return target;
+        }
+        end = end.parent_path() / next;
+    }
+    return end;
 }
 
 /// Renames over an empty file that was made here and nowhere else, for file systems without better means.
@@ -72,11 +88,20 @@ Result<PendingFile> PendingFile::create(const std::filesystem::path& target) {
     if (target.filename().empty()) {
         return cannotWrite(target, "that is not the name of a file");
     }
+    const auto end = endOfLinks(target);
     std::error_code ignored;
-    if (std::filesystem::is_directory(target, ignored)) {
+    const auto older = std::filesystem::status(end, ignored);
+    if (std::filesystem::is_directory(older)) {
         return cannotWrite(target, reason(EISDIR));
     }
-    return createBeside(target);
+    if (std::filesystem::exists(older) && !std::filesystem::is_regular_file(older)) {
+        return cannotWrite(target, "that is a pipe or a device, and no file");
+    }
+    auto file = createBeside(end);
+    if (file && std::filesystem::exists(older)) {
+        file.value().m_perms = older.permissions() & std::filesystem::perms::all;
+    }
+    return file;
 }
 
 Result<PendingFile> PendingFile::createBeside(const std::filesystem::path& target) {
@@ -106,6 +131,7 @@ PendingFile::PendingFile(PendingFile&& other) noexcept
     : m_target(std::move(other.m_target))
     , m_temporary(std::move(other.m_temporary))
     , m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_perms(other.m_perms)
     , m_isSynced(other.m_isSynced) {}
 
 PendingFile& PendingFile::operator=(PendingFile&& other) noexcept {
@@ -114,6 +140,7 @@ PendingFile& PendingFile::operator=(PendingFile&& other) noexcept {
         m_target = std::move(other.m_target);
         m_temporary = std::move(other.m_temporary);
         m_descriptor = std::exchange(other.m_descriptor, -1);
+        m_perms = other.m_perms;
         m_isSynced = other.m_isSynced;
     }
     return *this;
@@ -139,6 +166,10 @@ Result<void> PendingFile::write(std::span<const std::byte> bytes) {
 }
 
 Result<void> PendingFile::commit() {
+    if (m_perms && m_descriptor >= 0) {
+        // Only now, as the older file may be one that its owner may not write. Some file systems have no modes.
+        [[maybe_unused]] const int ignored = ::fchmod(m_descriptor, static_cast<mode_t>(*m_perms));
+    }
     // Some file systems report a full disk only here.
     if (::fsync(m_descriptor) != 0) {
         return giveUp(errno);

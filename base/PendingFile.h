@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <span>
 
 namespace starbloom {
@@ -21,13 +22,15 @@ namespace starbloom {
 ///     if (auto r = file.value().write(bytes); !r) return r;
 ///     return file.value().commit();
 ///
+/// A target that is a symbolic link stays one: what it leads to is replaced. The new file has the older one's mode.
+///
 /// commitAs() does the same without ever replacing a file.
 ///
 /// Not thread-safe. Error messages name the target and end with the system's own reason.
 class PendingFile {
 public:
     /// Makes the hidden file, with the permissions that a new file of the user has. Fails when the folder is missing or
-    /// not writable, or when the target is a folder.
+    /// not writable, or when the target is a folder, a pipe or a device.
     static Result<PendingFile> create(const std::filesystem::path& target);
 
     /// The same for commitAs(): whatever the target is now, only its folder matters.
@@ -62,7 +65,8 @@ private:
     std::filesystem::path m_target;
     std::filesystem::path m_temporary;
     int m_descriptor = -1;
-    bool m_isSynced = false; ///< Whether commitAs() has brought all bytes to the disk already.
+    std::optional<std::filesystem::perms> m_perms; ///< The older file's.
+    bool m_isSynced = false;                       ///< Whether commitAs() has brought all bytes to the disk already.
 };
 
 /// Writes a whole file at once, by the way of PendingFile.

@@ -68,6 +68,11 @@ Result<void> readKind(const Arguments& arguments, Options& options) {
     if (arguments.given(OptionId::Format)) {
         return Error{"--format is for OUTPUT - alone; a file's ending tells its format"};
     }
+    std::error_code ignored; // What cannot be looked at is told of when it is written.
+    if (std::filesystem::is_other(output, ignored) && !ignored) {
+        return Error{"'" + output +
+                     "' is a pipe or a device: use -, which writes to standard output, and lead that there"};
+    }
     const bool moves =
         arguments.given(OptionId::Seconds) || arguments.given(OptionId::Frames) || arguments.given(OptionId::Loop);
     return readOutputName(output, moves, options);

@@ -92,16 +92,33 @@ TEST_F(PendingFileTest, movingHandsTheFileOn) {
     EXPECT_EQ(folder.entryCount(), 2);
 }
 
-TEST_F(PendingFileTest, newFilesHaveTheUsersUsualPermissions) {
+TEST_F(PendingFileTest, newFilesHaveTheUsersUsualPermissionsAndOthersKeepTheirs) {
+    const auto fresh = folder / "fresh.png";
+    const auto modeOf = [](const std::filesystem::path& path) {
+        return static_cast<unsigned>(std::filesystem::status(path).permissions());
+    };
+    std::filesystem::permissions(target, std::filesystem::perms(0406));
     const mode_t before = ::umask(027);
-    const auto written = writeFile(target, bytesOf("x"));
+    EXPECT_TRUE(writeFile(fresh, bytesOf("x")));
+    EXPECT_TRUE(writeFile(target, bytesOf("x")));
     ::umask(before);
-    ASSERT_TRUE(written);
+    EXPECT_EQ(modeOf(fresh), 0640U);
+    EXPECT_EQ(modeOf(target), 0406U);
+}
 
-    struct stat status {};
-
-    ASSERT_EQ(::stat(target.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+TEST_F(PendingFileTest, linksAreFollowedAndPipesStay) {
+    std::filesystem::create_directory(folder / "there");
+    std::filesystem::create_symlink("there/new.png", folder / "toNew");
+    std::filesystem::create_symlink("toNew", folder / "toLink");
+    std::filesystem::create_symlink(target, folder / "toOld");
+    ASSERT_TRUE(writeFile(folder / "toLink", bytesOf("one")));
+    ASSERT_TRUE(writeFile(folder / "toOld", bytesOf("two")));
+    EXPECT_EQ(readFile(folder / "there/new.png"), "one");
+    EXPECT_EQ(readFile(target), "two");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "toLink") && std::filesystem::is_symlink(folder / "toOld"));
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_THAT(writeFile(folder / "pipe", bytesOf("x")).error().message, HasSubstr("a pipe or a device"));
+    EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
 }
 
 TEST_F(PendingFileTest, failuresNameTheTargetAndTheReason) {

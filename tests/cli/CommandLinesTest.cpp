@@ -10,6 +10,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace starbloom {
@@ -146,6 +147,7 @@ const Refusal refusedWithoutScene[] = {
     {"--size 30000x100 a.webm", 2, "at most 16384 pixels"},
     {"--size 60000x60000 --seconds 1 a.apng", 2, "MiB"},
     {"--size 65536x1 --scale 0.01 a.png", 2, "points"},
+    {"pipe.mp4", 2, "'pipe.mp4' is a pipe or a device: use -"},
     {"j.png --join i0.mov", 2, "--join makes an OUTPUT of"},
     {"j.mov --join none.mov", 2, "none.mov is missing"},
     {"j1.mov --join i0.mov f.mp4", 2, "cannot join f.mp4"},
@@ -221,6 +223,7 @@ TEST_F(CommandLines, EachOptionWorksAndEachMistakeIsRefused) {
     for (const Refusal& each : refused) {
         check(each, scene);
     }
+    ASSERT_EQ(::mkfifo((folder / "pipe.mp4").c_str(), 0600), 0);
     const std::string part = readFile(folder / "i0.mov");
     std::ofstream(folder / "cut.mov") << part.substr(0, part.size() / 2);
     for (const Refusal& each : refusedWithoutScene) {

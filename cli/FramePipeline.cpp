@@ -147,15 +147,20 @@ Result<void> runFrames(const Options& options, const FrameHandling& handling) {
         return job;
     };
     // Frames come here in order, so those before one are done or were not wanted.
+    std::int64_t passed = 0;
     const auto recycle = [&](Job job) {
         idle.push(job.image);
-        progress.update(job.frame + 1 - frames.first);
+        passed = job.frame + 1 - frames.first;
+        progress.update(passed);
     };
     const auto deliveryMode =
         handling.calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;
     tbb::parallel_pipeline(inFlight, tbb::make_filter<void, Job>(tbb::filter_mode::serial_in_order, render) &
                                          tbb::make_filter<Job, Job>(deliveryMode, deliver) &
                                          tbb::make_filter<Job, void>(tbb::filter_mode::serial_in_order, recycle));
+    if (passed < frames.count() && !failure.happened() && !interrupted()) {
+        progress.update(frames.count()); // The last ones were not wanted.
+    }
     return failure.result();
 }
 

@@ -12,6 +12,7 @@ namespace starbloom {
 namespace {
 
 constexpr int largestMovieSide = 16384; // What H.264 encoders take.
+constexpr int largestJpegSide = 65500;  // The format could have 35 more, its library has not.
 
 bool isManyFrames(const Options& options) {
     return options.kind == OutputKind::Movie || options.kind == OutputKind::Frames ||
@@ -60,14 +61,20 @@ Result<void> checkFormatOptions(const Arguments& arguments, const Options& optio
 
 /// What the encoders take.
 Result<void> checkSize(const Options& options) {
+    const bool isPicture = options.kind == OutputKind::Picture || options.kind == OutputKind::Frames;
     int largest = largestSide;
-    if (options.kind == OutputKind::Movie) {
+    if (isPicture && options.format == PictureFormat::Jpeg) {
+        largest = largestJpegSide;
+    } else if (isPicture && options.format == PictureFormat::Gif) {
+        largest = traitsOf(ClipFormat::Gif).largestSide;
+    } else if (options.kind == OutputKind::Movie) {
         largest = largestMovieSide;
     } else if (options.kind == OutputKind::Clip) {
         largest = traitsOf(options.clipFormat).largestSide;
     }
     if (std::max(options.width, options.height) > largest) {
-        return Error{"--size: such a movie is at most " + std::to_string(largest) + " pixels wide and high"};
+        return Error{std::string("--size: such a ") + (isPicture ? "picture" : "movie") + " is at most " +
+                     std::to_string(largest) + " pixels wide and high"};
     }
     return {};
 }

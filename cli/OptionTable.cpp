@@ -39,7 +39,8 @@ constexpr auto options = std::to_array<OptionRow>({
      "With an OUTPUT both are made, FILE first."},
     {OptionId::Size, picture, "--size", Text, "WxH", "Size of the picture in pixels (default 640x480)",
      "A picture is up to 65536 pixels wide and high, a movie up to 16384, each kind of clip as far as it goes, "
-     "as memory allows."},
+     "as memory allows. A .jpg is at most 65500, a .gif 65535. Sides that are odd grow by a pixel in .m4v, .mp4 and "
+     ".y4m."},
     {OptionId::Scale, picture, "--scale", Text, "N", "Pixels for each point of the stage, 0.01 to 100 (default 1)",
      "Everything is drawn so much larger, and finer. With --size the picture keeps that size and shows a stage "
      "of SIZE divided by N points; without it the stage stays and the picture grows."},

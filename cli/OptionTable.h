@@ -72,7 +72,7 @@ const OptionRow& row(OptionId id);
 inline constexpr std::string_view outputName = "OUTPUT";
 inline constexpr std::string_view outputHelp =
     "What to make: a picture (.png .jpg .jp2 .tif .gif .bmp), numbered frames (NAME%05d.png and so on), a movie "
-    "(.m4v .mp4), a clip for other programs (.mov .webm .webp .apng .gif), or - for standard output";
+    "(.m4v .mp4), a clip for other programs (.mov .webm .webp .apng .gif .rgba .y4m), or - for standard output";
 
 /// A status that the program ends with.
 struct StatusRow {

@@ -72,7 +72,7 @@ Result<void> readOutputName(const std::string& name, bool moves, Options& option
     if (!format && !clip && !isMovie) {
         return Error{"'" + name +
                      "' ends in none of .bmp, .gif, .jpg, .jp2, .png, .tif (picture, or frames with %05d in the name), "
-                     ".m4v, .mp4, .mov, .webm, .webp, .apng, .gif (movie)"};
+                     ".m4v, .mp4, .mov, .webm, .webp, .apng, .gif, .rgba, .y4m (movie)"};
     }
     if (places > 1) {
         return Error{"'" + name + "' has more than one place for the frame's number"};

@@ -25,7 +25,10 @@ std::optional<std::pair<OptionId, OutputKind>> askedTable(const Arguments& argum
 }
 
 /// What is made when no OUTPUT is named.
-Result<void> readMissingOutput(Options& options) {
+Result<void> readMissingOutput(const Arguments& arguments, Options& options) {
+    if (arguments.given(OptionId::Join)) {
+        return Error{"no OUTPUT given: write OUTPUT before --join, as all names behind it are parts"};
+    }
     if (options.checksFlashes) {
         options.kind = OutputKind::FlashCheck;
         return {};
@@ -60,7 +63,7 @@ Result<void> readKind(const Arguments& arguments, Options& options) {
                    : Error{std::string(row(table->first).name) + " prints to standard output and takes no OUTPUT"};
     }
     if (output.empty()) {
-        return readMissingOutput(options);
+        return readMissingOutput(arguments, options);
     }
     if (output == standardOutput) {
         return readStream(arguments, options);

@@ -45,6 +45,7 @@ Progress::Progress(std::int64_t total, ProgressStyle style)
 Progress::~Progress() {
     if (m_style == ProgressStyle::Bar) {
         std::fputs("\r\033[K", stderr);
+        setBarShown(false);
     }
 }
 
@@ -60,6 +61,7 @@ void Progress::update(std::int64_t done) {
 
 void Progress::show(std::int64_t done, std::chrono::duration<double> elapsed) const {
     if (m_style == ProgressStyle::Bar) {
+        setBarShown(true);
         std::fputs(("\r" + progressLine(done, m_total, elapsed) + "\033[K").c_str(), stderr);
     } else if (m_style == ProgressStyle::Json) {
         const auto left =

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 
@@ -17,6 +18,7 @@ using Json = nlohmann::ordered_json;
 
 bool inJson = false;
 bool warningsMuted = false;
+std::atomic<bool> barShown = false;
 
 /// In one piece, so that lines of several threads do not mix.
 void printLine(std::string line) {
@@ -36,7 +38,7 @@ void report(const char* event, const std::string& message) {
     }
     std::string line = message;
     std::ranges::replace(line, '\n', ' ');
-    printLine("starbloom-render: " + line);
+    printLine((barShown ? "\r\033[K" : "") + ("starbloom-render: " + line));
 }
 
 /// Thousandths are enough, and short.
@@ -74,6 +76,10 @@ void reportWarning(const std::string& message) {
     if (!warningsMuted) {
         report("warning", message);
     }
+}
+
+void setBarShown(bool shown) {
+    barShown = shown;
 }
 
 void reportError(const std::string& message) {

@@ -21,6 +21,9 @@ void muteWarnings();
 /// Something that is probably a mistake but harms nothing.
 void reportWarning(const std::string& message);
 
+/// Whether a bar of progress stands in the present line, which the next message then takes over.
+void setBarShown(bool shown);
+
 /// Why the program ends without having done all.
 void reportError(const std::string& message);
 

@@ -86,7 +86,7 @@ constexpr auto options = std::to_array<OptionRow>({
      "Tells whether the frames could cause seizures, and needs no OUTPUT",
      "Counts general and red flashes as the W3C's Web Content Accessibility Guidelines do (success criterion 2.3.1) "
      "and prints the worst second of each; with more than three in a second the exit status is 3, and OUTPUT is made "
-     "all the same."},
+     "all the same. A whole --loop is looked at as it is played, round after round."},
     {OptionId::Particles, tables, "--particles", None, "",
      "Prints a table (CSV) of all particles of drawing cells that live at --at, and makes no file", ""},
     {OptionId::ListParameters, tables, "--list-parameters", None, "",

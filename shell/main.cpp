@@ -16,7 +16,6 @@
 
 #include <QCommandLineParser>
 #include <QFile>
-#include <QFontDatabase>
 #include <QStandardPaths>
 #include <QThreadPool>
 
@@ -121,7 +120,6 @@ int main(int argc, char** argv) {
     usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
-    const std::jthread families([] { QFontDatabase::hasFamily({}); }); // Has the toolkit list them, meanwhile.
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("starbloom"));
     readArguments(application);

@@ -59,7 +59,7 @@ TEST(PageBadge, ShowsEachNumberOfThePagesInTheMiddleOfADisc) {
     const QFont font = fontFromBundle("Univercity", 18, "otf");
     EXPECT_EQ(QFontInfo(font).family(), "Univercity");
     EXPECT_TRUE(QRawFont::fromFont(font).supportsCharacter(QChar(u'0'))); // Not merely the family's name.
-    std::set<std::vector<uchar>> faces;
+    std::set<QByteArray> faces;
     for (const double scale : {1.0, 2.0}) {
         for (const char* number : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "13"}) {
             const QImage face = stringImage7(number, Qt::black, scale);
@@ -70,7 +70,7 @@ TEST(PageBadge, ShowsEachNumberOfThePagesInTheMiddleOfADisc) {
             EXPECT_NEAR(ink.height(), 14 * scale, scale) << number;
             EXPECT_NEAR(ink.center().x(), 16 * scale, 1.5 * scale) << number;
             EXPECT_NEAR(ink.center().y(), 16 * scale, scale) << number;
-            faces.insert({face.constBits(), face.constBits() + face.sizeInBytes()});
+            faces.insert({reinterpret_cast<const char*>(face.constBits()), face.sizeInBytes()});
         }
     }
     EXPECT_EQ(faces.size(), 24U);

@@ -169,11 +169,17 @@ protected:
         return names;
     }
 
+    /// The one that was built, or an installed one.
+    static std::string program() {
+        const char* installed = std::getenv("STARBLOOM_INSTALLED_RENDER");
+        return installed != nullptr ? installed : STARBLOOM_RENDER;
+    }
+
     void check(const Row& row, const std::string& before) {
         SCOPED_TRACE(before + row.arguments);
         const auto earlier = files();
         const std::string command =
-            "cd '" + folder.path().string() + "' && XDG_DATA_HOME=/none " STARBLOOM_RENDER " " + before + row.arguments;
+            "cd '" + folder.path().string() + "' && XDG_DATA_HOME=/none " + program() + " " + before + row.arguments;
         // A redirection of the row comes first and so counts less than these.
         const bool redirected = row.arguments.find('>') != std::string::npos;
         const int raw = std::system((command + (redirected ? "" : " >'" + out + "'") + " 2>'" + err + "'").c_str());

@@ -101,67 +101,96 @@ ShowNote FrameRenderer::noteAt(double moment) const {
     return note;
 }
 
-Result<void> runFrames(const Options& options, const FrameHandling& handling) {
-    namespace tbb = oneapi::tbb;
-    const auto inFlight = static_cast<std::size_t>(tbb::this_task_arena::max_concurrency()) + 2;
-    std::vector<ImageBuffer> images(inFlight);
-    tbb::concurrent_queue<ImageBuffer*> idle;
-    for (ImageBuffer& image : images) {
-        image = ImageBuffer(options.width, options.height);
-        idle.push(&image);
-    }
-    FrameRenderer renderer(options);
-    const FrameSpan frames = options.frames();
-    Progress progress(frames.count(), options.progress);
-    FirstFailure failure;
-    std::int64_t next = frames.first;
+namespace {
 
-    const auto render = [&](tbb::flow_control& flow) -> Job {
-        while (next < frames.end && !interrupted() && handling.wanted && !handling.wanted(next)) {
-            ++next;
+/// One run of frames: what its three stages share.
+class FrameRun {
+public:
+    FrameRun(const Options& options, const FrameHandling& handling)
+        : m_options(options)
+        , m_handling(handling)
+        , m_images(static_cast<std::size_t>(oneapi::tbb::this_task_arena::max_concurrency()) + 2)
+        , m_renderer(options)
+        , m_frames(options.frames())
+        , m_progress(m_frames.count(), options.progress)
+        , m_next(m_frames.first) {
+        for (ImageBuffer& image : m_images) {
+            image = ImageBuffer(options.width, options.height);
+            m_idle.push(&image);
         }
-        Job job{next++};
-        if (job.frame >= frames.end || failure.happened() || interrupted() || !idle.try_pop(job.image)) {
+    }
+
+    Result<void> run() {
+        namespace tbb = oneapi::tbb;
+        const auto delivery =
+            m_handling.calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;
+        tbb::parallel_pipeline(
+            m_images.size(),
+            tbb::make_filter<void, Job>(tbb::filter_mode::serial_in_order,
+                                        [this](tbb::flow_control& flow) { return render(flow); }) &
+                tbb::make_filter<Job, Job>(delivery, [this](Job job) { return deliver(job); }) &
+                tbb::make_filter<Job, void>(tbb::filter_mode::serial_in_order, [this](Job job) { recycle(job); }));
+        if (m_passed < m_frames.count() && !m_failure.happened() && !interrupted()) {
+            m_progress.update(m_frames.count()); // The last ones were not wanted.
+        }
+        return m_failure.result();
+    }
+
+private:
+    Job render(oneapi::tbb::flow_control& flow) {
+        while (m_next < m_frames.end && !interrupted() && m_handling.wanted && !m_handling.wanted(m_next)) {
+            ++m_next;
+        }
+        Job job{m_next++};
+        if (job.frame >= m_frames.end || m_failure.happened() || interrupted() || !m_idle.try_pop(job.image)) {
             flow.stop();
             return {};
         }
-        const double seconds = options.from + frameTime(job.frame, options.framesPerSecond);
+        job.moment = m_renderer.momentAt(m_options.from + frameTime(job.frame, m_options.framesPerSecond));
         // Without the isolation this thread, while it waits for help within a frame, could start on a sink.
-        job.moment = renderer.momentAt(seconds);
-        tbb::this_task_arena::isolate([&] { renderer.renderMoment(job.moment, *job.image); });
+        oneapi::tbb::this_task_arena::isolate([&] { m_renderer.renderMoment(job.moment, *job.image); });
         if (interrupted()) {
             flow.stop();
             return {};
         }
-        if (handling.watch) {
-            handling.watch(*job.image);
+        if (m_handling.watch) {
+            m_handling.watch(*job.image);
         }
         return job;
-    };
-    const auto deliver = [&](Job job) -> Job {
-        if (!failure.happened()) {
-            if (auto delivered = handling.sink({job.frame, renderer.noteAt(job.moment), *job.image}); !delivered) {
-                failure.note(delivered.error());
+    }
+
+    Job deliver(Job job) {
+        if (!m_failure.happened()) {
+            if (auto delivered = m_handling.sink({job.frame, m_renderer.noteAt(job.moment), *job.image}); !delivered) {
+                m_failure.note(delivered.error());
             }
         }
         return job;
-    };
-    // Frames come here in order, so those before one are done or were not wanted.
-    std::int64_t passed = 0;
-    const auto recycle = [&](Job job) {
-        idle.push(job.image);
-        passed = job.frame + 1 - frames.first;
-        progress.update(passed);
-    };
-    const auto deliveryMode =
-        handling.calls == SinkCalls::InOrder ? tbb::filter_mode::serial_in_order : tbb::filter_mode::parallel;
-    tbb::parallel_pipeline(inFlight, tbb::make_filter<void, Job>(tbb::filter_mode::serial_in_order, render) &
-                                         tbb::make_filter<Job, Job>(deliveryMode, deliver) &
-                                         tbb::make_filter<Job, void>(tbb::filter_mode::serial_in_order, recycle));
-    if (passed < frames.count() && !failure.happened() && !interrupted()) {
-        progress.update(frames.count()); // The last ones were not wanted.
     }
-    return failure.result();
+
+    /// Frames come here in order, so those before one are done or were not wanted.
+    void recycle(const Job& job) {
+        m_idle.push(job.image);
+        m_passed = job.frame + 1 - m_frames.first;
+        m_progress.update(m_passed);
+    }
+
+    const Options& m_options;
+    const FrameHandling& m_handling;
+    std::vector<ImageBuffer> m_images; ///< As many as are on their way at once.
+    oneapi::tbb::concurrent_queue<ImageBuffer*> m_idle;
+    FrameRenderer m_renderer;
+    FrameSpan m_frames;
+    Progress m_progress;
+    FirstFailure m_failure;
+    std::int64_t m_next;
+    std::int64_t m_passed = 0;
+};
+
+} // namespace
+
+Result<void> runFrames(const Options& options, const FrameHandling& handling) {
+    return FrameRun(options, handling).run();
 }
 
 } // namespace starbloom

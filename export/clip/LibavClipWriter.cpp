@@ -199,23 +199,15 @@ Result<void> LibavClipWriter::add(const ImageBuffer& frame) {
 
 /// Hands a frame to the encoder, or none for the end, and writes all packets that are ready.
 Result<void> LibavClipWriter::send(const AVFrame* frame) {
-    if (const int error = avcodec_send_frame(m_encoder.get(), frame); error < 0) {
+    Result<void> written;
+    const int error = encodeFrame(*m_encoder, frame, *m_packet, [&](AVPacket& packet) {
+        written = m_container->write(packet);
+        return static_cast<bool>(written);
+    });
+    if (error < 0) {
         return failure(error);
     }
-    while (true) {
-        const int error = avcodec_receive_packet(m_encoder.get(), m_packet.get());
-        if (error == AVERROR(EAGAIN) || error == AVERROR_EOF) {
-            return {};
-        }
-        if (error < 0) {
-            return failure(error);
-        }
-        auto written = m_container->write(*m_packet);
-        av_packet_unref(m_packet.get());
-        if (!written) {
-            return m_output.failure(written.error().message);
-        }
-    }
+    return written ? written : m_output.failure(written.error().message);
 }
 
 Result<void> LibavClipWriter::finish() {

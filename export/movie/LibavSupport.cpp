@@ -69,4 +69,19 @@ int encoderThreads(int threads) {
     return std::clamp(threads, 0, 16);
 }
 
+int encodeFrame(AVCodecContext& encoder, const AVFrame* frame, AVPacket& packet,
+                const std::function<bool(AVPacket& packet)>& take) {
+    int error = avcodec_send_frame(&encoder, frame);
+    for (bool goOn = true; goOn && error >= 0;) {
+        error = avcodec_receive_packet(&encoder, &packet);
+        if (error >= 0) {
+            goOn = take(packet);
+            av_packet_unref(&packet);
+        } else if (error == AVERROR(EAGAIN) || error == AVERROR_EOF) {
+            return 0;
+        }
+    }
+    return error;
+}
+
 } // namespace starbloom

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -49,5 +50,10 @@ void forwardLibavLog();
 
 /// How many threads to ask an encoder for; 0: it chooses. With more than it can use well, the libraries complain.
 int encoderThreads(int threads);
+
+/// Hands a frame to an encoder, or none for the end, and each packet that is ready then to `take`, which answers
+/// whether to go on. The packet is working memory. Gives the libraries' error, or 0.
+int encodeFrame(AVCodecContext& encoder, const AVFrame* frame, AVPacket& packet,
+                const std::function<bool(AVPacket& packet)>& take);
 
 } // namespace starbloom

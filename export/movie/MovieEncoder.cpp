@@ -170,25 +170,14 @@ Result<void> MovieEncoder::drain(const PacketSink& sink) {
 
 /// Hands a frame to the encoder, or none for the end, and passes all packets on that are ready.
 Result<void> MovieEncoder::send(const AVFrame* frame, const PacketSink& sink) {
-    if (const int error = avcodec_send_frame(m_context.get(), frame); error < 0) {
-        return failure(error);
-    }
-    while (true) {
-        const int error = avcodec_receive_packet(m_context.get(), m_packet.get());
-        if (error == AVERROR(EAGAIN) || error == AVERROR_EOF) {
-            return {};
-        }
-        if (error < 0) {
-            return failure(error);
-        }
+    Result<void> taken;
+    const int error = encodeFrame(*m_context, frame, *m_packet, [&](AVPacket& packet) {
         // Said here, so that the container need not guess how long the last frame lasts.
-        m_packet->duration = 1;
-        auto taken = sink(*m_packet);
-        av_packet_unref(m_packet.get());
-        if (!taken) {
-            return taken;
-        }
-    }
+        packet.duration = 1;
+        taken = sink(packet);
+        return static_cast<bool>(taken);
+    });
+    return error < 0 ? failure(error) : taken;
 }
 
 } // namespace starbloom

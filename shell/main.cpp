@@ -121,7 +121,7 @@ int main(int argc, char** argv) {
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
     describe(application);
-    QApplication::setDesktopFileName(QStringLiteral("starbloom"));
+    QApplication::setDesktopFileName(QStringLiteral("net.starbloom.Starbloom"));
     readArguments(application);
 
     starbloom::sendLogToCategories();

@@ -2,22 +2,26 @@
 set(root ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr)
 set(documents ${root}/share/doc/starbloom)
 
-function(compress name)
-  execute_process(COMMAND gzip -9n ${name} COMMAND_ERROR_IS_FATAL ANY)
+function(run)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
+file(GLOB programs ${root}/bin/* ${root}/libexec/starbloom/*)
+file(GLOB modules ${root}/lib/starbloom/*.so)
+run(strip --remove-section=.comment --remove-section=.note ${programs})
+run(strip --remove-section=.comment --remove-section=.note --strip-unneeded ${modules})
+
 file(GLOB pages ${root}/share/man/man1/*.1)
-foreach(page IN LISTS pages)
-  compress(${page})
-endforeach()
+run(gzip -9n ${pages})
 
 # The licence itself is on every Debian system, and the copyright file says where.
 file(REMOVE ${documents}/LICENSE)
 file(RENAME ${documents}/CHANGELOG.md ${documents}/changelog)
 file(COPY_FILE ${CPACK_STARBLOOM_DEBIAN_FOLDER}/changelog ${documents}/changelog.Debian)
 file(COPY_FILE ${CPACK_STARBLOOM_DEBIAN_FOLDER}/copyright ${documents}/copyright)
-compress(${documents}/changelog)
-compress(${documents}/changelog.Debian)
+run(gzip -9n ${documents}/changelog ${documents}/changelog.Debian)
+file(MAKE_DIRECTORY ${root}/share/lintian/overrides)
+file(COPY_FILE ${CPACK_STARBLOOM_DEBIAN_FOLDER}/lintian-overrides ${root}/share/lintian/overrides/starbloom)
 
 # Where Debian's zsh looks for the completions of packages.
 file(MAKE_DIRECTORY ${root}/share/zsh/vendor-completions)
@@ -31,6 +35,6 @@ foreach(each IN LISTS all)
   else()
     set(mode u=rw,go=r)
   endif()
-  execute_process(COMMAND chmod ${mode} ${each} COMMAND_ERROR_IS_FATAL ANY)
-  execute_process(COMMAND touch --no-dereference --date=@$ENV{SOURCE_DATE_EPOCH} ${each} COMMAND_ERROR_IS_FATAL ANY)
+  run(chmod ${mode} ${each})
+  run(touch --no-dereference --date=@$ENV{SOURCE_DATE_EPOCH} ${each})
 endforeach()

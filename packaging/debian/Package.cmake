@@ -1,4 +1,4 @@
-# The Debian package: cpack --config CPackConfig.cmake in the build folder, or tools/make-package.
+# The Debian package: cpack --config CPackConfig.cmake in the build folder.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME starbloom)
 set(CPACK_PACKAGE_VENDOR "Starbloom developers")
@@ -6,13 +6,12 @@ set(CPACK_PACKAGE_CONTACT "Starbloom developers <developers@starbloom.example>")
 set(CPACK_PACKAGE_HOMEPAGE_URL ${STARBLOOM_HOMEPAGE})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "fireworks to play, shape and export")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_COMPRESSION_TYPE none) # FinishPackage.cmake compresses.
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Rockets rise, burst into a thousand sparks and scatter flickering sparkles;
 fourteen sliders shape the show while it plays. One click exports a picture,
@@ -31,5 +30,6 @@ set(CPACK_DEBIAN_PACKAGE_SUGGESTS "fonts-noto-cjk")
 
 set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_LIST_DIR}/PackageDate.cmake)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/DebianFiles.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/FinishPackage.cmake)
 set(CPACK_STARBLOOM_DEBIAN_FOLDER ${CMAKE_CURRENT_LIST_DIR})
 include(CPack)

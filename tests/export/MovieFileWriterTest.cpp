@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <future>
@@ -255,6 +256,18 @@ TEST_F(KilledMovie, isRecoveredUpToTheKill) {
         EXPECT_EQ(leftovers(), number - 1);
     }
     EXPECT_EQ(readFile(folder / "show (recovered).m4v"), "somebody else's");
+}
+
+TEST_F(KilledMovie, leavesJournalsAsTheDocumentDescribesThem) {
+    std::filesystem::create_directory(folder / "kept");
+    journal = folder / "kept" / "Recording";
+    killAt(2, 10);
+    killAt(2, 10);
+    const std::string command = "python3 '" STARBLOOM_SOURCES "/tests/documents/read_application_folder.py' '" +
+                                (folder / "kept").string() + "' >'" + (folder / "read").string() + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::string movie = R"({"target": ")" + target.string() + R"(", "rate": 24})";
+    EXPECT_EQ(readFile(folder / "read"), R"({"Recording": )" + movie + R"(, "Recording.1": )" + movie + "}\n");
 }
 
 TEST_F(KilledMovie, isRecoveredFromACutFileAndBesideAnother) {

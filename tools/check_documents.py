@@ -126,7 +126,7 @@ def check_packages():
     table = [line.split("|")[1] for line in (ROOT / "docs/dependencies.md").read_text().splitlines() if line.startswith("|")]
     told = Counter(name for cell in table for name in re.findall(r"`([^`]+)`", cell))
     for name in sorted(packages | told):
-        if packages[name] != 1 or told[name] != 1:
+        if packages[name] < 1 or told[name] != 1:  # Two sections may have one package.
             problem("docs/dependencies.md", f"{name} is told {told[name]} times, and listed {packages[name]} times in "
                     "packaging/debian-packages.txt")
 

@@ -25,9 +25,9 @@ TABLES = {
 }
 PREFERENCES = dict(zip((f"Value{number:02}" for number in (4, 5, 6, 7, *range(10, 24))),
                        "0 14 0 2 5 5 1 400 100 250 20 130 0 80 10 18 6 100".split()))
-SLIDERS = ("rocketHeightSlider rocketBirthSlider rocketAngleSlider rocketVelocitySlider rocketRangeSlider rocketGravitySlider "
-           "explodeLifeSlider explodeVelocitySlider explodeRangeSlider explodeGravitySlider sparkleBirthSlider sparkleLifeSlider "
-           "sparkleSizeSlider animateSpeedSlider").split()
+SLIDERS = [name + "Slider" for name in (
+    "rocketHeight rocketBirth rocketAngle rocketVelocity rocketRange rocketGravity explodeLife explodeVelocity explodeRange "
+    "explodeGravity sparkleBirth sparkleLife sparkleSize animateSpeed").split()]
 NOTE = ["starbloom-show", "program", "version", "seed", "moment", "steady", "stage", "scale", "launch", "background", *SLIDERS]
 FORMATS = ["BMP", "GIF", "JPEG", "JPEG 2000", "PNG", "TIFF"]
 NUMBER = re.compile(r"-?\d+(\.\d+)?(e[+-]\d+)?")

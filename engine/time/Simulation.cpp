@@ -93,7 +93,11 @@ void Simulation::setPlan(EmitterPlan plan) {
         if (cell == plan.cells[i]) {
             continue;
         }
-        m_currentBatch[i] = -1;
+        // Many numbers decide births alone: a slider that is drawn through them does not begin batch after batch.
+        const int batch = m_currentBatch[i];
+        if (batch >= 0 && m_sparks[static_cast<std::size_t>(batch)].law() != lawOf(i)) {
+            m_currentBatch[i] = -1;
+        }
         if (cell.parent < 0) {
             m_topEmissions[i].setRate(cell.birthRate, m_time);
             continue;
@@ -118,6 +122,7 @@ void Simulation::jumpTo(double time) {
     for (auto& population : m_populations) {
         population.emitters.clear();
         population.emissions.clear();
+        population.firstDeath = forever;
     }
     m_sparks.clear();
     std::ranges::fill(m_currentBatch, -1);
@@ -132,12 +137,18 @@ void Simulation::advanceTo(double time) {
     }
     jumpTo(m_ancestry.forgottenBy(time));
     m_time = time;
-    sweepSparks();
+    const bool sweep = isSweepDue();
+    if (sweep) {
+        sweepSparks();
+    }
     const std::uint64_t skippedBefore = m_skippedBirths;
     for (std::size_t cell = 0; cell < m_plan.cells.size(); ++cell) {
         giveBirths(cell);
     }
-    removeDeadEmitters();
+    if (sweep) {
+        removeDeadEmitters(); // After their last births.
+        m_lastSweep = m_time;
+    }
     reportSkipped(skippedBefore);
 }
 
@@ -157,6 +168,9 @@ void Simulation::giveBirths(std::size_t cell) {
 }
 
 void Simulation::giveBirths(std::size_t cell, const Emitter& emitter, Emission& emission) {
+    if (!emission.hasBirthUpTo(m_time)) {
+        return;
+    }
     const CellPlan& plan = m_plan.cells[cell];
     const bool emits = !plan.children.empty();
     if (!emits) {
@@ -210,6 +224,7 @@ void Simulation::makeParticle(std::size_t cell, const Emitter& emitter, const Em
 void Simulation::makeEmitter(std::size_t cell, const Emitter& particle) {
     auto& population = m_populations[cell];
     population.emitters.push_back(particle);
+    population.firstDeath = std::min(population.firstDeath, particle.death);
     for (const int child : m_plan.cells[cell].children) {
         const CellPlan& plan = m_plan.cells[static_cast<std::size_t>(child)];
         const double begin = particle.birth + plan.beginTime;
@@ -219,65 +234,100 @@ void Simulation::makeEmitter(std::size_t cell, const Emitter& particle) {
     ++m_emitterCount;
 }
 
+SparkLaw Simulation::lawOf(std::size_t cell) const {
+    const CellPlan& plan = m_plan.cells[cell];
+    return {static_cast<int>(cell), plan.lifetime, static_cast<float>(plan.yAcceleration), plan.scaleSpeed, plan.spin,
+            plan.colorSpeed,        plan.image};
+}
+
 SparkBatch& Simulation::batchFor(std::size_t cell) {
-    if (m_currentBatch[cell] < 0) {
-        const CellPlan& plan = m_plan.cells[cell];
-        m_currentBatch[cell] = static_cast<int>(m_sparks.size());
-        m_sparks.emplace_back(SparkLaw{static_cast<int>(cell), plan.lifetime, static_cast<float>(plan.yAcceleration),
-                                       plan.scaleSpeed, plan.spin, plan.colorSpeed, plan.image},
-                              ++m_batchNumber);
+    const int current = m_currentBatch[cell];
+    if (current < 0 || m_sparks[static_cast<std::size_t>(current)].size() >= sparksPerBatch) {
+        beginBatch(cell);
     }
     return m_sparks[static_cast<std::size_t>(m_currentBatch[cell])];
 }
 
+void Simulation::beginBatch(std::size_t cell) {
+    const bool followsFullOne = m_currentBatch[cell] >= 0;
+    m_currentBatch[cell] = static_cast<int>(m_sparks.size());
+    ++m_batchNumber;
+    if (m_emptyBatches.empty()) {
+        m_sparks.emplace_back(lawOf(cell), m_batchNumber);
+    } else {
+        m_sparks.push_back(std::move(m_emptyBatches.back()));
+        m_emptyBatches.pop_back();
+        m_sparks.back().reuse(lawOf(cell), m_batchNumber);
+    }
+    if (followsFullOne) {
+        m_sparks.back().reserve(sparksPerBatch); // It will most likely be filled, too.
+    }
+}
+
+bool Simulation::isSweepDue() const {
+    // Renderers pass over the dead cheaply, so a sweep now and then will do, unless room is short.
+    constexpr double sweepInterval = 0.125;
+    return m_time - m_lastSweep >= sweepInterval || liveCount() >= liveCeiling / 2 ||
+           m_emitterCount >= emitterCeiling / 2;
+}
+
 void Simulation::removeDeadEmitters() {
-    m_emitterCount = 0;
     for (std::size_t cell = 0; cell < m_populations.size(); ++cell) {
-        auto& [emitters, emissions] = m_populations[cell];
-        const std::size_t children = m_plan.cells[cell].children.size();
-        std::size_t kept = 0;
-        for (std::size_t e = 0; e < emitters.size(); ++e) {
-            if (emitters[e].death <= m_time) {
+        Population& population = m_populations[cell];
+        if (population.firstDeath > m_time) {
+            continue;
+        }
+        auto& [emitters, emissions, firstDeath] = population;
+        const auto childCount = static_cast<std::ptrdiff_t>(m_plan.cells[cell].children.size());
+        const std::size_t before = emitters.size();
+        firstDeath = forever;
+        for (std::size_t e = 0; e < emitters.size();) {
+            if (emitters[e].death > m_time) {
+                firstDeath = std::min(firstDeath, emitters[e].death);
+                ++e;
                 continue;
             }
-            if (kept != e) {
-                emitters[kept] = emitters[e];
-                std::copy_n(emissions.begin() + static_cast<std::ptrdiff_t>(e * children), children,
-                            emissions.begin() + static_cast<std::ptrdiff_t>(kept * children));
+            // The last one takes its place: nothing depends on their order.
+            if (e + 1 < emitters.size()) {
+                emitters[e] = emitters.back();
+                std::copy_n(emissions.end() - childCount, childCount,
+                            emissions.begin() + static_cast<std::ptrdiff_t>(e) * childCount);
             }
-            ++kept;
+            emitters.pop_back();
+            emissions.erase(emissions.end() - childCount, emissions.end());
         }
-        emitters.erase(emitters.begin() + static_cast<std::ptrdiff_t>(kept), emitters.end());
-        emissions.erase(emissions.begin() + static_cast<std::ptrdiff_t>(kept * children), emissions.end());
-        m_emitterCount += kept;
+        m_emitterCount -= before - emitters.size();
     }
 }
 
 void Simulation::sweepSparks() {
-    // Renderers pass over the dead cheaply, so a sweep now and then will do, unless room is short.
-    constexpr double sweepInterval = 0.125;
-    if (m_time - m_lastSweep < sweepInterval && liveCount() < liveCeiling / 2) {
-        return;
-    }
-    m_lastSweep = m_time;
     m_sparkCount = 0;
-    std::vector<int> newPlace(m_sparks.size(), -1);
     std::size_t kept = 0;
     for (std::size_t b = 0; b < m_sparks.size(); ++b) {
         m_sparks[b].sweep(m_time);
-        if (m_sparks[b].size() == 0 && std::ranges::find(m_currentBatch, static_cast<int>(b)) == m_currentBatch.end()) {
+        const auto cell = std::ranges::find(m_currentBatch, static_cast<int>(b));
+        if (m_sparks[b].size() == 0 && cell == m_currentBatch.end()) {
             continue;
         }
-        newPlace[b] = static_cast<int>(kept);
+        if (cell != m_currentBatch.end()) {
+            *cell = static_cast<int>(kept);
+        }
         if (kept != b) {
-            m_sparks[kept] = std::move(m_sparks[b]);
+            std::swap(m_sparks[kept], m_sparks[b]);
         }
         m_sparkCount += m_sparks[kept].size();
         ++kept;
     }
-    m_sparks.erase(m_sparks.begin() + static_cast<std::ptrdiff_t>(kept), m_sparks.end());
-    for (int& batch : m_currentBatch) {
-        batch = batch < 0 ? -1 : newPlace[static_cast<std::size_t>(batch)];
+    // As many begin as end while a show goes on, so a few that wait keep it from asking for memory; a flood's do not.
+    const std::size_t mostEmpty = 2 + kept / 4;
+    while (m_sparks.size() > kept) {
+        if (m_emptyBatches.size() < mostEmpty) {
+            m_emptyBatches.push_back(std::move(m_sparks.back()));
+        }
+        m_sparks.pop_back();
+    }
+    while (m_emptyBatches.size() > mostEmpty) {
+        m_emptyBatches.pop_back();
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -33,6 +34,10 @@ public:
 
     /// At most so many of them emit. An emitter takes several times the memory of a spark.
     static constexpr std::size_t emitterCeiling = 100'000;
+
+    /// A batch takes so many sparks; then another one is begun. Old batches so die as a whole, and neither growth nor
+    /// the removal of the dead ever moves more than a batch, however many sparks there are.
+    static constexpr std::size_t sparksPerBatch = 4096;
 
     /// Time ends here, after some thirty years of layer time: beyond, births could no longer be told apart.
     static constexpr double latestTime = 1.0e9;
@@ -84,6 +89,7 @@ private:
     struct Population {
         std::vector<Emitter> emitters;
         std::vector<Emission> emissions;
+        double firstDeath = std::numeric_limits<double>::infinity(); ///< None of them dies before this moment.
     };
 
     void restart();
@@ -91,7 +97,10 @@ private:
     void giveBirths(std::size_t cell, const Emitter& emitter, Emission& emission);
     void makeParticle(std::size_t cell, const Emitter& emitter, const Emission::Birth& birth);
     void makeEmitter(std::size_t cell, const Emitter& particle);
+    SparkLaw lawOf(std::size_t cell) const;
     SparkBatch& batchFor(std::size_t cell);
+    void beginBatch(std::size_t cell);
+    bool isSweepDue() const;
     void removeDeadEmitters();
     void sweepSparks();
     std::size_t liveCount() const;
@@ -107,8 +116,9 @@ private:
     std::vector<Emission> m_topEmissions; ///< One per cell of the plan; unused for cells that are not at the top.
     std::vector<Population> m_populations;
     std::vector<SparkBatch> m_sparks;
-    std::uint64_t m_batchNumber = 0; ///< Of the newest batch.
-    std::vector<int> m_currentBatch; ///< Per cell: where its births go now; -1 when there is no batch yet.
+    std::vector<SparkBatch> m_emptyBatches; ///< Kept for their memory, see sweepSparks().
+    std::uint64_t m_batchNumber = 0;        ///< Of the newest batch.
+    std::vector<int> m_currentBatch;        ///< Per cell: where its births go now; -1 when there is no batch yet.
     std::vector<std::uint64_t> m_birthCounts;
     std::size_t m_emitterCount = 0;
     std::size_t m_sparkCount = 0;

@@ -16,27 +16,72 @@ void SparkBatch::append(const SparkBirth& birth) {
     green.push_back(birth.color.green);
     blue.push_back(birth.color.blue);
     alpha.push_back(birth.color.alpha);
+    m_firstBirth = std::min(m_firstBirth, birth.time);
+    m_lastBirth = std::max(m_lastBirth, birth.time);
+}
+
+void SparkBatch::reserve(std::size_t count) {
+    time.reserve(count);
+    for (auto* column : {&x, &y, &velocityX, &velocityY, &scale, &red, &green, &blue, &alpha}) {
+        column->reserve(count);
+    }
 }
 
 void SparkBatch::sweep(double now) {
+    if (age(m_firstBirth, now) < m_law.lifetime) {
+        return;
+    }
+    if (age(m_lastBirth, now) >= m_law.lifetime) {
+        resize(0);
+        forgetBirths();
+        return;
+    }
+    // Sparks die in about the order of their births, so those that live stand together and move together.
     const std::size_t count = size();
     std::size_t kept = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (age(time[i], now) >= m_law.lifetime) {
-            continue;
+    double firstBirth = m_lastBirth;
+    for (std::size_t i = 0; i < count;) {
+        for (; i < count && age(time[i], now) >= m_law.lifetime; ++i) {
         }
-        if (kept != i) {
-            time[kept] = time[i];
-            for (auto* column : {&x, &y, &velocityX, &velocityY, &scale, &red, &green, &blue, &alpha}) {
-                (*column)[kept] = (*column)[i];
-            }
+        const std::size_t first = i;
+        for (; i < count && age(time[i], now) < m_law.lifetime; ++i) {
+            firstBirth = std::min(firstBirth, time[i]);
         }
-        ++kept;
+        moveRun(first, i, kept);
+        kept += i - first;
     }
-    time.resize(kept);
+    resize(kept);
+    m_firstBirth = firstBirth;
+}
+
+void SparkBatch::reuse(SparkLaw law, std::uint64_t number) {
+    resize(0);
+    forgetBirths();
+    m_law = std::move(law);
+    m_number = number;
+}
+
+void SparkBatch::resize(std::size_t count) {
+    time.resize(count);
     for (auto* column : {&x, &y, &velocityX, &velocityY, &scale, &red, &green, &blue, &alpha}) {
-        column->resize(kept);
+        column->resize(count);
     }
+}
+
+void SparkBatch::moveRun(std::size_t first, std::size_t end, std::size_t to) {
+    if (first == to) {
+        return;
+    }
+    const auto move = [=](auto& column) { std::copy(column.data() + first, column.data() + end, column.data() + to); };
+    move(time);
+    for (auto* column : {&x, &y, &velocityX, &velocityY, &scale, &red, &green, &blue, &alpha}) {
+        move(*column);
+    }
+}
+
+void SparkBatch::forgetBirths() {
+    m_firstBirth = std::numeric_limits<double>::infinity();
+    m_lastBirth = -std::numeric_limits<double>::infinity();
 }
 
 std::optional<SparkState> SparkBatch::stateAt(std::size_t i, double now) const {

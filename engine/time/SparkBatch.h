@@ -6,8 +6,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace starbloom {
@@ -21,6 +23,8 @@ struct SparkLaw {
     float spin = 0.0F; ///< Radians per second.
     Color colorSpeed;  ///< Change per second of each channel.
     std::shared_ptr<const SparkImage> image;
+
+    friend bool operator==(const SparkLaw&, const SparkLaw&) = default;
 };
 
 /// A spark at birth. Everything later follows from it and the law in closed form.
@@ -61,8 +65,15 @@ public:
 
     void append(const SparkBirth& birth);
 
-    /// Drops the sparks that are dead at that time, for good; the order of the others stays.
+    /// Makes room for so many sparks in all at once.
+    void reserve(std::size_t count);
+
+    /// Drops the sparks that are dead at that time, for good; the order of the others stays. Costs nothing while none
+    /// has died, and next to nothing when all have.
     void sweep(double now);
+
+    /// Begins anew as an empty batch of another law and number, which keeps the memory.
+    void reuse(SparkLaw law, std::uint64_t number);
 
     /// The spark at a moment; nothing when it is not yet born or already dead.
     std::optional<SparkState> stateAt(std::size_t index, double now) const;
@@ -74,8 +85,14 @@ public:
     std::vector<float> x, y, velocityX, velocityY, scale, red, green, blue, alpha;
 
 private:
+    void resize(std::size_t count);
+    void moveRun(std::size_t first, std::size_t end, std::size_t to);
+    void forgetBirths();
+
     SparkLaw m_law;
     std::uint64_t m_number;
+    double m_firstBirth = std::numeric_limits<double>::infinity(); ///< No spark in it was born before this moment,
+    double m_lastBirth = -std::numeric_limits<double>::infinity(); ///< and none after this one.
 };
 
 } // namespace starbloom

@@ -249,19 +249,15 @@ SparkBatch& Simulation::batchFor(std::size_t cell) {
 }
 
 void Simulation::beginBatch(std::size_t cell) {
-    const bool followsFullOne = m_currentBatch[cell] >= 0;
     m_currentBatch[cell] = static_cast<int>(m_sparks.size());
     ++m_batchNumber;
     if (m_emptyBatches.empty()) {
-        m_sparks.emplace_back(lawOf(cell), m_batchNumber);
-    } else {
-        m_sparks.push_back(std::move(m_emptyBatches.back()));
-        m_emptyBatches.pop_back();
-        m_sparks.back().reuse(lawOf(cell), m_batchNumber);
+        m_sparks.emplace_back(lawOf(cell), m_batchNumber).reserve(sparksPerBatch);
+        return;
     }
-    if (followsFullOne) {
-        m_sparks.back().reserve(sparksPerBatch); // It will most likely be filled, too.
-    }
+    m_sparks.push_back(std::move(m_emptyBatches.back()));
+    m_emptyBatches.pop_back();
+    m_sparks.back().reuse(lawOf(cell), m_batchNumber);
 }
 
 bool Simulation::isSweepDue() const {

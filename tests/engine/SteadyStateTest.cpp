@@ -1,42 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/ImageBuffer.h"
 #include "engine/raster/RasterRenderer.h"
+#include "tests/engine/CountedAllocations.h"
 #include "tests/engine/Scenes.h"
 
 #include <gmock/gmock.h>
 #include <oneapi/tbb/task_arena.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
 #include <functional>
 #include <iterator>
-#include <new>
 #include <random>
 #include <vector>
-
-namespace {
-
-std::atomic<std::size_t> allocations = 0;
-
-} // namespace
-
-// For the whole test program: counts how often memory is asked for.
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-    std::free(memory);
-}
 
 namespace starbloom {
 
@@ -67,9 +42,9 @@ TEST(SteadyState, framesAskForNoMemory) {
         // By one thread: with several, one that never had work before would bring its own memory at any time.
         oneapi::tbb::task_arena(1).execute([&] {
             play(600);
-            const std::size_t before = allocations;
+            const std::size_t before = countedAllocations();
             play(200);
-            EXPECT_EQ(allocations - before, 0U);
+            EXPECT_EQ(countedAllocations() - before, 0U);
         });
         if (change) {
             EXPECT_GT(simulation.sparks().size(), 5U); // So batches came and went meanwhile.

@@ -2,19 +2,15 @@
 #include "views/SymbolIcon.h"
 
 #include "views/ControlLook.h"
+#include "views/symbols/SymbolDrawing.h"
 
-#include <QFile>
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmapCache>
-#include <QSvgRenderer>
 
-// The macro inside must not stand in a namespace.
-static void linkResources() {
-    Q_INIT_RESOURCE(starbloom);
-}
+#include <algorithm>
 
 namespace starbloom {
 
@@ -27,9 +23,8 @@ QColor symbolColor(QIcon::Mode mode) {
 
 class SymbolEngine : public QIconEngine {
 public:
-    SymbolEngine(QString name, QByteArray drawing)
-        : m_name(std::move(name))
-        , m_drawing(std::move(drawing)) {}
+    explicit SymbolEngine(const Symbol& symbol)
+        : m_symbol(symbol) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
         const QRectF target = onPixels(*painter, rect);
@@ -42,7 +37,7 @@ public:
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/) override {
         const QColor color = symbolColor(mode);
         const QString key = QStringLiteral("starbloom/%1/%2x%3/%4/%5")
-                                .arg(m_name)
+                                .arg(QLatin1String(m_symbol.name))
                                 .arg(size.width())
                                 .arg(size.height())
                                 .arg(color.rgba(), 0, 16)
@@ -72,14 +67,10 @@ public:
 
 private:
     QPixmap drawn(const QSize& size, const QColor& color, bool faded) const {
-        QByteArray drawing = m_drawing;
-        drawing.replace("currentColor", color.name().toLatin1());
-        QSvgRenderer renderer(drawing);
-        renderer.setAspectRatioMode(Qt::KeepAspectRatio);
         QPixmap whole(size);
         whole.fill(Qt::transparent);
         QPainter painter(&whole);
-        renderer.render(&painter);
+        drawSymbol(painter, m_symbol, whole.rect(), color);
         if (faded) {
             // All at once: strokes that cross would be darker there if each faded by itself.
             painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
@@ -88,18 +79,16 @@ private:
         return whole;
     }
 
-    QString m_name;
-    QByteArray m_drawing;
+    const Symbol& m_symbol;
 };
 
 } // namespace
 
 QIcon symbolIcon(QStringView name) {
-    linkResources();
-    QFile file(QStringLiteral(":/icons/%1.svg").arg(name));
-    const bool found = file.open(QIODevice::ReadOnly);
-    Q_ASSERT_X(found, "symbolIcon", qPrintable(file.fileName()));
-    return found ? QIcon(new SymbolEngine(name.toString(), file.readAll())) : QIcon();
+    const auto isNamed = [name](const Symbol& each) { return name == QLatin1String(each.name); };
+    const auto symbol = std::ranges::find_if(symbolTable(), isNamed);
+    Q_ASSERT_X(symbol != symbolTable().end(), "symbolIcon", qPrintable(name.toString()));
+    return symbol != symbolTable().end() ? QIcon(new SymbolEngine(*symbol)) : QIcon();
 }
 
 } // namespace starbloom

@@ -37,6 +37,11 @@ SettingsSidebar::~SettingsSidebar() {
     m_panel.setParent(nullptr);
 }
 
+void SettingsSidebar::openSettings() {
+    m_panel.fill();
+    open();
+}
+
 void SettingsSidebar::showSlider(const ParameterRow& row) {
     openSettings();
     raise();

@@ -20,7 +20,7 @@ public:
     ~SettingsSidebar() override;
 
     /// Shows the window where it was, or else at its place by the main window. Does nothing while it is open.
-    void openSettings() { open(); }
+    void openSettings();
 
     /// Opens the window if need be, and hands the keyboard to one of its sliders.
     void showSlider(const ParameterRow& row);

@@ -35,12 +35,29 @@ QString toolTipOf(const ParameterRow& row) {
 } // namespace
 
 SliderPanel::SliderPanel(QWidget* parent)
-    : QWidget(parent)
-    , m_ui(std::make_unique<Ui::SliderPanel>()) {
+    : QWidget(parent) {
+    m_enabled.fill(true);
+}
+
+SliderPanel::~SliderPanel() = default;
+
+void SliderPanel::fill() {
+    if (isFilled()) {
+        return;
+    }
+    m_ui = std::make_unique<Ui::SliderPanel>();
     m_ui->setupUi(this);
     connect(m_ui->resetButton, &QPushButton::clicked, this, &SliderPanel::resetRequested);
     connect(m_ui->loadButton6, &QPushButton::clicked, this, &SliderPanel::loadRequested);
     connect(m_ui->saveButton6, &QPushButton::clicked, this, &SliderPanel::saveRequested);
+    makeRows();
+    showStates();
+    if (m_coloured) {
+        colourButtons();
+    }
+}
+
+void SliderPanel::makeRows() {
     const char* group = "";
     QGridLayout* grid = nullptr;
     for (const ParameterRow& parameter : parameterTable) {
@@ -49,11 +66,10 @@ SliderPanel::SliderPanel(QWidget* parent)
             grid = &addGroup(textOf(group));
         }
         addRow(parameter, textOf(group), *grid);
+        rowOf(parameter.parameter).slider->setPosition(m_positions.position(parameter.parameter));
     }
     m_ui->groups->addStretch(1);
 }
-
-SliderPanel::~SliderPanel() = default;
 
 QGridLayout& SliderPanel::addGroup(const QString& title) {
     auto* box = new PanelBox;
@@ -97,38 +113,60 @@ void SliderPanel::addRow(const ParameterRow& parameter, const QString& group, QG
 }
 
 float SliderPanel::position(Parameter parameter) const {
-    return rowOf(parameter).slider->position();
+    return isFilled() ? rowOf(parameter).slider->position() : m_positions.position(parameter);
 }
 
 void SliderPanel::setPosition(Parameter parameter, float position) {
-    rowOf(parameter).slider->setPosition(position);
+    if (isFilled()) {
+        rowOf(parameter).slider->setPosition(position);
+    } else {
+        m_positions.setPosition(parameter, position);
+    }
 }
 
 void SliderPanel::setEnabled(Parameter parameter, bool enabled) {
-    const Row& row = rowOf(parameter);
-    row.name->setEnabled(enabled);
-    row.slider->setEnabled(enabled);
-    row.value->setEnabled(enabled);
+    m_enabled[static_cast<std::size_t>(parameter)] = enabled;
+    showStates();
 }
 
 void SliderPanel::setResetEnabled(bool enabled) {
-    m_ui->resetButton->setEnabled(enabled);
+    m_resetEnabled = enabled;
+    showStates();
 }
 
 void SliderPanel::setSaveEnabled(bool enabled) {
     m_noSaveOnItsWay = enabled;
-    m_ui->saveButton6->setEnabled(m_noSaveOnItsWay && m_presetsEnabled);
+    showStates();
 }
 
 void SliderPanel::setPresetsEnabled(bool enabled) {
     m_presetsEnabled = enabled;
-    m_ui->loadButton6->setEnabled(enabled);
-    m_ui->saveButton6->setEnabled(m_noSaveOnItsWay && m_presetsEnabled);
+    showStates();
 }
 
 void SliderPanel::colourButtons() {
-    setButtonText(orange, *m_ui->loadButton6);
-    setButtonText(skyBlue, *m_ui->saveButton6);
+    m_coloured = true;
+    if (isFilled()) {
+        setButtonText(orange, *m_ui->loadButton6);
+        setButtonText(skyBlue, *m_ui->saveButton6);
+    }
+}
+
+void SliderPanel::showStates() {
+    if (!isFilled()) {
+        return;
+    }
+    for (const ParameterRow& parameter : parameterTable) {
+        const Row& row = rowOf(parameter.parameter);
+        const bool enabled = m_enabled[static_cast<std::size_t>(parameter.parameter)];
+        for (QWidget* each :
+             {static_cast<QWidget*>(row.name), static_cast<QWidget*>(row.slider), static_cast<QWidget*>(row.value)}) {
+            each->setEnabled(enabled);
+        }
+    }
+    m_ui->resetButton->setEnabled(m_resetEnabled);
+    m_ui->loadButton6->setEnabled(m_presetsEnabled);
+    m_ui->saveButton6->setEnabled(m_noSaveOnItsWay && m_presetsEnabled);
 }
 
 void SliderPanel::changeEvent(QEvent* event) {
@@ -144,6 +182,9 @@ void SliderPanel::showEvent(QShowEvent* event) {
 }
 
 void SliderPanel::fitWidth() {
+    if (!isFilled()) {
+        return;
+    }
     // Each group has a grid; columns of equal widths make one of all.
     int widest = 0;
     int widestName = 0;

@@ -24,12 +24,17 @@ class ParameterSlider;
 ///
 /// Scrolls when it is given less height than it needs; its least width depends on the font alone, so that a value that
 /// grows a digit moves nothing. Owns its widgets. Lives on the GUI thread.
+///
+/// It begins as fourteen numbers: the widgets are not made before they are wanted, as most launches do not show them.
 class SliderPanel : public QWidget, public ParameterPanel {
     Q_OBJECT
 
 public:
     explicit SliderPanel(QWidget* parent = nullptr);
     ~SliderPanel() override;
+
+    /// Makes the widgets, as the panel is by then. To be called before it is shown; does nothing the second time.
+    void fill();
 
     float position(Parameter parameter) const override;
     void setPosition(Parameter parameter, float position) override;
@@ -69,14 +74,22 @@ private:
         QLabel* value = nullptr;
     };
 
+    void makeRows();
     QGridLayout& addGroup(const QString& title);
     void addRow(const ParameterRow& parameter, const QString& group, QGridLayout& grid);
     void fitWidth();
+    void showStates();
+
+    bool isFilled() const { return m_ui != nullptr; }
 
     const Row& rowOf(Parameter parameter) const { return m_rows[static_cast<std::size_t>(parameter)]; }
 
-    std::unique_ptr<Ui::SliderPanel> m_ui;
+    std::unique_ptr<Ui::SliderPanel> m_ui; ///< Nothing until the panel is filled.
     std::array<Row, parameterCount> m_rows;
+    PositionPanel m_positions; ///< Until there are sliders to keep them.
+    std::array<bool, parameterCount> m_enabled;
+    bool m_resetEnabled = true;
+    bool m_coloured = false;
     bool m_noSaveOnItsWay = true;
     bool m_presetsEnabled = true;
 };

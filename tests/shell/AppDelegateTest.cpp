@@ -28,6 +28,7 @@ protected:
     void SetUp() override {
         skipIntroduction(home);
         app.launch();
+        app.window().findChild<SliderPanel*>()->fill();
         ASSERT_TRUE(QTest::qWaitFor([this] { return stage().renderedFrames() > 0; }));
     }
 

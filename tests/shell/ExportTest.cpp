@@ -28,6 +28,7 @@ protected:
         AppFolder(home.path()).createAppFolder();
         saveSharedFolder(AppFolder(home.path()).filePath3(), folder);
         app.launch();
+        app.window().findChild<SliderPanel*>()->fill();
         ASSERT_TRUE(QTest::qWaitFor([this] { return find<StageView>("stage").renderedFrames() > 0; }));
     }
 

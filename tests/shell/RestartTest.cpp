@@ -32,6 +32,7 @@ protected:
     }
 
     ParameterSlider& slider(Parameter parameter) {
+        app->window().findChild<SliderPanel*>()->fill();
         return *app->window().findChild<ParameterSlider*>(QString::fromUtf8(row(parameter).name.data()));
     }
 

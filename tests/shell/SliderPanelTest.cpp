@@ -29,6 +29,7 @@ QLabel* nameLabel(const QWidget& panel, Parameter parameter) {
 
 TEST(SliderPanel, EachParameterHasASliderOfItsNameThatShowsItsValue) {
     SliderPanel panel;
+    panel.fill();
     const QSignalSpy moved(&panel, &SliderPanel::moved);
     for (const ParameterRow& each : parameterTable) {
         const auto* slider = child<ParameterSlider>(panel, each.parameter);
@@ -45,6 +46,7 @@ TEST(SliderPanel, EachParameterHasASliderOfItsNameThatShowsItsValue) {
 
 TEST(SliderPanel, ReportsMovesAndADoubleClickOnAName) {
     SliderPanel panel;
+    panel.fill();
     auto* slider = child<ParameterSlider>(panel, Parameter::ExplodeVelocity);
     auto* name = nameLabel(panel, Parameter::ExplodeVelocity);
     ASSERT_NE(name, nullptr);
@@ -59,6 +61,7 @@ TEST(SliderPanel, ReportsMovesAndADoubleClickOnAName) {
 
 TEST(SliderPanel, TheResetButtonAsksAndLeavesTheSlidersAlone) {
     SliderPanel panel;
+    panel.fill();
     panel.setPosition(Parameter::RocketBirth, 33.0F);
     auto* button = panel.findChild<QPushButton*>(QStringLiteral("resetButton"));
     QSignalSpy requested(&panel, &SliderPanel::resetRequested);
@@ -72,6 +75,7 @@ TEST(SliderPanel, TheResetButtonAsksAndLeavesTheSlidersAlone) {
 
 TEST(SliderPanel, ADisabledSliderCannotBeMovedOrPutBack) {
     SliderPanel panel;
+    panel.fill();
     panel.setPosition(Parameter::RocketBirth, 33.0F);
     panel.setEnabled(Parameter::RocketBirth, false);
     panel.show();
@@ -86,6 +90,7 @@ TEST(SliderPanel, ADisabledSliderCannotBeMovedOrPutBack) {
 
 TEST(SliderPanel, NothingMovesOrIsCutOffWhateverTheValues) {
     SliderPanel panel;
+    panel.fill();
     panel.show();
     panel.resize(panel.sizeHint().width(), 200); // So low that it has to scroll.
     const auto geometries = [&] {

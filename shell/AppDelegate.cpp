@@ -18,9 +18,12 @@
 namespace starbloom {
 
 AppDelegate::AppDelegate(AppFolder folder, const Surroundings& surroundings)
+    : AppDelegate(folder, Stores(folder), surroundings) {}
+
+AppDelegate::AppDelegate(AppFolder folder, Stores stores, const Surroundings& surroundings)
     : m_surroundings(surroundings)
     , m_folder(std::move(folder))
-    , m_stores(m_folder)
+    , m_stores(std::move(stores))
     , m_stage(surroundings.seed, surroundings.clock)
     , m_controller(&m_panel, &m_stage, spark())
     , m_presetStore(m_stores)

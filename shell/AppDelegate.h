@@ -38,6 +38,9 @@ class AppDelegate {
 public:
     /// Builds everything, shows nothing and touches no file.
     AppDelegate(AppFolder folder, const Surroundings& surroundings);
+
+    /// The same with stores that have been prepared. They lie in the folder.
+    AppDelegate(AppFolder folder, Stores stores, const Surroundings& surroundings);
     ~AppDelegate();
 
     AppDelegate(const AppDelegate&) = delete;

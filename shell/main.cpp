@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/raster/RasterRenderer.h"
 #include "shell/AppDelegate.h"
 #include "shell/Application.h"
 #include "shell/ColorScheme.h"
@@ -27,6 +28,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include <fontconfig/fontconfig.h>
 
@@ -112,10 +114,15 @@ int main(int argc, char** argv) {
     if (!hasDisplay(argc, argv)) {
         return refuse(argc, argv);
     }
-    // Meanwhile. The first text needs the fonts.
-    const std::jthread preparation([] {
-        starbloom::spark();
+    // What needs no toolkit, while that connects to the window system: the fonts for the first text, the stores, and
+    // the library of tasks, which looks at the processor when it is first used.
+    const starbloom::AppFolder folder = applicationFolder();
+    starbloom::Stores stores(folder);
+    std::jthread preparation([&stores] {
         FcInit();
+        stores.prepare();
+        starbloom::spark();
+        const starbloom::RasterRenderer firstUse;
     });
     usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     starbloom::Application application(argc, argv);
@@ -132,8 +139,10 @@ int main(int argc, char** argv) {
     starbloom::DesktopFileManager fileManager;
     starbloom::LoadedEncoders encoders;
     starbloom::LoadedPrintSystem printSystem;
-    starbloom::AppDelegate delegate(applicationFolder(), {calls, filePanel, documents, fileManager, encoders,
-                                                          printSystem, starbloom::chooseShowSeed()});
+    preparation.join();
+    starbloom::AppDelegate delegate(
+        folder, std::move(stores),
+        {calls, filePanel, documents, fileManager, encoders, printSystem, starbloom::chooseShowSeed()});
     // From within the event loop, where the application catches what a failing store throws.
     QMetaObject::invokeMethod(
         &application, [&delegate] { delegate.launch(); }, Qt::QueuedConnection);

@@ -129,19 +129,43 @@ KeyValueStore::KeyValueStore(std::filesystem::path file, const StoreDefinition& 
     : m_file(std::move(file))
     , m_definition(definition) {}
 
+void KeyValueStore::prepare() {
+    if (fileExists(m_file)) {
+        keep(read(false));
+    } else if (auto image = storeImage(m_definition)) {
+        m_image = std::move(image.value());
+    }
+}
+
 void KeyValueStore::openCreate() {
     removeStaleTemporaries(m_file.parent_path());
     if (!fileExists(m_file)) {
-        if (auto created = createStoreFile(m_file, m_definition); !created) {
-            log(LogLevel::Warning, "persistence", created.error().message);
-        }
+        create();
+        return;
+    }
+    if (keptReading() != nullptr) {
         return;
     }
     Reading reading = readThoroughly();
     if (isDamage(reading.code)) {
         replaceDamaged(reading);
-    } else if (reading.complete() && reading.file) {
+    } else {
+        keep(std::move(reading));
+    }
+}
+
+void KeyValueStore::keep(Reading reading) {
+    if (reading.complete() && reading.file) {
         m_kept = std::make_shared<const Reading>(std::move(reading));
+    }
+}
+
+void KeyValueStore::create() {
+    using Image = Result<std::vector<std::byte>>;
+    const Image image = m_image.empty() ? storeImage(m_definition) : Image(std::exchange(m_image, {}));
+    const Result<void> created = image ? createStoreFile(m_file, image.value()) : image.error();
+    if (!created) {
+        log(LogLevel::Warning, "persistence", created.error().message);
     }
 }
 

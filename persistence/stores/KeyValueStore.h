@@ -4,6 +4,7 @@
 #include "persistence/stores/StoreFile.h"
 #include "persistence/stores/StoreTables.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -40,6 +41,11 @@ class KeyValueStore {
 public:
     KeyValueStore(std::filesystem::path file, const StoreDefinition& definition);
 
+    /// Does what openCreate() can do beforehand: reads the file, or works out the one to be made. Changes nothing on
+    /// the disk, so that any thread may do it while the store is not in use. What it read counts only while nobody has
+    /// written to the file.
+    void prepare();
+
     /// For the launch: makes the file with its default rows if it does not exist (see createStoreFile()), replaces one
     /// that is damaged, and leaves any other alone, whatever rows it has. Removes what killed runs left in the folder.
     /// Has to read the whole file for that, and keeps what it read for the launch's own reading.
@@ -47,7 +53,7 @@ public:
 
     /// The value of each key, in the order of the definition's rows. Nothing when the file or its table cannot be read;
     /// if only the reading of its later rows fails, those have their default values. Changes nothing. While nobody has
-    /// written to the file since openCreate(), it is not read again.
+    /// written to the file since then, it is not read again.
     std::optional<std::vector<std::string>> readAll() const;
 
     /// Writes one value. A key that has no row changes nothing and reports nothing. A file that cannot be opened, one
@@ -64,12 +70,15 @@ private:
     Reading read(bool pastDamage) const;
     Reading readThoroughly() const;
     std::shared_ptr<const Reading> keptReading() const;
+    void keep(Reading reading);
+    void create();
     void replaceDamaged(const Reading& reading) const;
     void report(const std::string& what, const std::string& why) const;
 
     std::filesystem::path m_file;
     const StoreDefinition& m_definition;
-    std::shared_ptr<const Reading> m_kept; ///< Nothing, or what openCreate() read without an error.
+    std::vector<std::byte> m_image;        ///< Nothing, or the file that openCreate() is to make.
+    std::shared_ptr<const Reading> m_kept; ///< Nothing, or what prepare() or openCreate() read without an error.
 };
 
 } // namespace starbloom

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "persistence/stores/SqliteDatabase.h"
 
-#include <sqlite3.h>
+#include "persistence/stores/SqliteLibrary.h"
+
 #include <system_error>
 
 namespace starbloom {
@@ -20,6 +21,11 @@ constexpr int largestObject = 16 * 1024 * 1024;
 /// thousand.
 constexpr int mostSteps = 20'000'000;
 
+/// For what comes after a database was opened: then the library is there.
+const SqliteLibrary& sqlite() {
+    return *SqliteLibrary::loaded();
+}
+
 int giveUp(void* /*unused*/) {
     return 1;
 }
@@ -36,21 +42,21 @@ std::string whyNotRegular(const std::filesystem::path& file) {
 } // namespace
 
 void SqliteStatement::bind(int parameter, const std::string& text) {
-    sqlite3_bind_text64(m_handle.get(), parameter, text.c_str(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    sqlite().bindText(m_handle.get(), parameter, text.c_str(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
 int SqliteStatement::step() {
-    return sqlite3_step(m_handle.get()) & 0xFF;
+    return sqlite().step(m_handle.get()) & 0xFF;
 }
 
 int SqliteStatement::columnCount() const {
-    return sqlite3_column_count(m_handle.get());
+    return sqlite().columnCount(m_handle.get());
 }
 
 std::optional<std::string> SqliteStatement::text(int column) const {
     // The text has to be asked for before its length: asking converts it, which changes the length.
-    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_handle.get(), column));
-    const auto length = static_cast<std::size_t>(sqlite3_column_bytes(m_handle.get(), column));
+    const auto* bytes = reinterpret_cast<const char*>(sqlite().columnText(m_handle.get(), column));
+    const auto length = static_cast<std::size_t>(sqlite().columnBytes(m_handle.get(), column));
     if (bytes == nullptr || length > SqliteDatabase::longestValue) {
         return std::nullopt;
     }
@@ -58,7 +64,7 @@ std::optional<std::string> SqliteStatement::text(int column) const {
 }
 
 void SqliteStatement::finalise(sqlite3_stmt* handle) {
-    sqlite3_finalize(handle);
+    sqlite().finalise(handle);
 }
 
 SqliteDatabase::SqliteDatabase(const std::filesystem::path& file)
@@ -67,14 +73,27 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file)
     if (!m_openFailure.empty()) {
         return;
     }
-    sqlite3* handle = nullptr;
     // A path is a path: one that starts with "file:" must not be taken for an address, so it is made absolute.
     std::error_code ignored;
     const auto absolute = std::filesystem::absolute(file, ignored);
-    const int opened = sqlite3_open_v2(absolute.c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
+    open(absolute.c_str(), SQLITE_OPEN_READWRITE);
+}
+
+SqliteDatabase::SqliteDatabase()
+    : m_handle(nullptr, &close) {
+    open(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_MEMORY);
+}
+
+void SqliteDatabase::open(const char* name, int flags) {
+    if (SqliteLibrary::loaded() == nullptr) {
+        m_openFailure = "the library of databases is missing";
+        return;
+    }
+    sqlite3* handle = nullptr;
+    const int opened = sqlite().open(name, &handle, flags, nullptr);
     m_handle.reset(handle);
     if (opened != SQLITE_OK) {
-        m_openFailure = handle != nullptr ? sqlite3_errmsg(handle) : "out of memory";
+        m_openFailure = handle != nullptr ? sqlite().errorMessage(handle) : "out of memory";
         m_handle.reset();
         return;
     }
@@ -83,36 +102,44 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file)
 
 SqliteStatement SqliteDatabase::prepare(const std::string& statement) {
     sqlite3_stmt* handle = nullptr;
-    sqlite3_prepare_v2(m_handle.get(), statement.c_str(), -1, &handle, nullptr);
+    sqlite().prepare(m_handle.get(), statement.c_str(), -1, &handle, nullptr);
     return SqliteStatement(handle);
 }
 
 bool SqliteDatabase::execute(const std::string& statement) {
-    return sqlite3_exec(m_handle.get(), statement.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    return sqlite().execute(m_handle.get(), statement.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+std::vector<std::byte> SqliteDatabase::image() const {
+    sqlite3_int64 size = 0;
+    const std::unique_ptr<unsigned char, void (*)(void*)> bytes(sqlite().serialise(m_handle.get(), "main", &size, 0),
+                                                                sqlite().release);
+    const auto* begin = reinterpret_cast<const std::byte*>(bytes.get());
+    return begin != nullptr ? std::vector<std::byte>(begin, begin + size) : std::vector<std::byte>();
 }
 
 int SqliteDatabase::code() const {
-    return m_handle ? sqlite3_errcode(m_handle.get()) & 0xFF : SQLITE_CANTOPEN;
+    return m_handle ? sqlite().errorCode(m_handle.get()) & 0xFF : SQLITE_CANTOPEN;
 }
 
 std::string SqliteDatabase::message() const {
-    return m_handle ? sqlite3_errmsg(m_handle.get()) : m_openFailure;
+    return m_handle ? sqlite().errorMessage(m_handle.get()) : m_openFailure;
 }
 
 void SqliteDatabase::close(sqlite3* handle) {
-    sqlite3_close(handle);
+    sqlite().close(handle);
 }
 
 void SqliteDatabase::limit() {
     sqlite3* handle = m_handle.get();
-    sqlite3_busy_timeout(handle, busyMilliseconds);
-    sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, largestObject);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite().setBusyTimeout(handle, busyMilliseconds);
+    sqlite().setLimit(handle, SQLITE_LIMIT_LENGTH, largestObject);
+    sqlite().configure(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite().configure(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite().configure(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     // Without this, a damaged page can send SQLite past its end, and the same file reads now this way, now that.
     execute("PRAGMA cell_size_check=ON");
-    sqlite3_progress_handler(handle, mostSteps, &giveUp, nullptr);
+    sqlite().setProgressHandler(handle, mostSteps, &giveUp, nullptr);
 }
 
 } // namespace starbloom

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -54,6 +56,9 @@ public:
     /// could keep its reader waiting. If the file cannot be opened, message() tells why.
     explicit SqliteDatabase(const std::filesystem::path& file);
 
+    /// A new database in memory, which is gone with the object.
+    SqliteDatabase();
+
     explicit operator bool() const { return m_handle != nullptr; }
 
     /// Prepares the first statement of the text.
@@ -62,12 +67,16 @@ public:
     /// Runs a statement to its end, without its rows. False on failure.
     bool execute(const std::string& statement);
 
+    /// What a file with this content would hold; nothing if there is no memory for it.
+    std::vector<std::byte> image() const;
+
     /// The primary code, and the text, of the last failure.
     int code() const;
     std::string message() const;
 
 private:
     static void close(sqlite3* handle);
+    void open(const char* name, int flags);
     void limit();
 
     std::unique_ptr<sqlite3, void (*)(sqlite3*)> m_handle;

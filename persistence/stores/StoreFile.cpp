@@ -73,27 +73,14 @@ bool updateValues(SqliteDatabase& database, const StoreDefinition& definition, c
     return true;
 }
 
-Result<void> fill(const std::filesystem::path& temporary, const StoreDefinition& definition,
-                  const StoreValues& values) {
-    SqliteDatabase database(temporary);
-    // Nobody sees this file before it is whole, so it needs neither a journal on the disk nor a sync per row.
-    if (database && database.execute("PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY") &&
-        database.execute(definition.create) && insertDefaults(database, definition) &&
-        updateValues(database, definition, values)) {
-        return {};
-    }
-    return Error{database.message()};
-}
-
 /// A whole new store, still under its temporary name.
-Result<PendingFile> pendingStore(const std::filesystem::path& file, const StoreDefinition& definition,
-                                 const StoreValues& values) {
+Result<PendingFile> pendingStore(const std::filesystem::path& file, std::span<const std::byte> image) {
     auto pending = PendingFile::create(file);
     if (!pending) {
         return pending;
     }
-    if (auto filled = fill(pending.value().temporaryPath(), definition, values); !filled) {
-        return Error{"cannot write " + file.string() + ": " + filled.error().message};
+    if (auto written = pending.value().write(image); !written) {
+        return written.error();
     }
     return pending;
 }
@@ -141,8 +128,20 @@ bool isStale(const std::filesystem::path& temporary, pid_t process) {
 
 } // namespace
 
-Result<void> createStoreFile(const std::filesystem::path& file, const StoreDefinition& definition) {
-    auto pending = pendingStore(file, definition, {});
+Result<std::vector<std::byte>> storeImage(const StoreDefinition& definition, const StoreValues& values) {
+    // In memory, a row costs no access to the file system.
+    SqliteDatabase database;
+    if (database && database.execute(definition.create) && insertDefaults(database, definition) &&
+        updateValues(database, definition, values)) {
+        if (auto image = database.image(); !image.empty()) {
+            return image;
+        }
+    }
+    return Error{"cannot make a new store: " + database.message()};
+}
+
+Result<void> createStoreFile(const std::filesystem::path& file, std::span<const std::byte> image) {
+    auto pending = pendingStore(file, image);
     if (!pending) {
         return pending.error();
     }
@@ -155,7 +154,11 @@ Result<void> createStoreFile(const std::filesystem::path& file, const StoreDefin
 
 Result<std::filesystem::path> replaceStoreFile(const std::filesystem::path& file, const StoreDefinition& definition,
                                                const StoreValues& values) {
-    auto pending = pendingStore(file, definition, values);
+    const auto image = storeImage(definition, values);
+    if (!image) {
+        return image.error();
+    }
+    auto pending = pendingStore(file, image.value());
     if (!pending) {
         return pending.error();
     }

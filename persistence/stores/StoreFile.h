@@ -4,8 +4,10 @@
 #include "base/Result.h"
 #include "persistence/stores/StoreTables.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -16,10 +18,13 @@ namespace starbloom {
 /// The values of a store in the order of its default rows; nothing where the file has no usable value of that key.
 using StoreValues = std::vector<std::optional<std::string>>;
 
-/// Makes the store of a first launch: the table and the default rows, one by one. It is made under another name,
-/// brought to the disk and renamed, so that a program that is killed, or a disk that is full, leaves the whole store or
-/// none.
-Result<void> createStoreFile(const std::filesystem::path& file, const StoreDefinition& definition);
+/// The bytes of a store's file: the table and the default rows, inserted one by one, and the values given (none, or one
+/// entry for each default row) over them. Any thread.
+Result<std::vector<std::byte>> storeImage(const StoreDefinition& definition, const StoreValues& values = {});
+
+/// Makes the store of a first launch from its image. It is written under another name, brought to the disk and renamed,
+/// so that a program that is killed, or a disk that is full, leaves the whole store or none.
+Result<void> createStoreFile(const std::filesystem::path& file, std::span<const std::byte> image);
 
 /// Puts a new store in the place of one that cannot be used, with the values given (one entry for each default row)
 /// over its default rows. The old file is renamed to "<name>.damaged-<number>", the first number that is free, together

@@ -51,6 +51,12 @@ Stores::Stores(const AppFolder& folder)
     , m_preferences{KeyValueStore(folder.filePath1(), preferencesDefinition()), {}}
     , m_checkboxes{KeyValueStore(folder.filePath2(), generalDefinition()), {}} {}
 
+void Stores::prepare() {
+    for (MirroredStore* each : {&m_windows, &m_preferences, &m_checkboxes}) {
+        each->store.prepare();
+    }
+}
+
 void Stores::openCreateDB0() {
     m_windows.store.openCreate();
 }

@@ -36,6 +36,9 @@ class Stores {
 public:
     explicit Stores(const AppFolder& folder);
 
+    /// Has all three do beforehand what they can; see KeyValueStore::prepare().
+    void prepare();
+
     // Make the files of a first launch; see KeyValueStore::openCreate().
     void openCreateDB0();
     void openCreateDB1();

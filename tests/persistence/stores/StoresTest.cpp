@@ -117,6 +117,23 @@ TEST_F(StoresTest, foldersThatAreGoneBecomeTheDocumentsFolderInTheMirrorOnly) {
     }
 }
 
+TEST_F(StoreFixture, whatWasPreparedCountsUntilSomebodyWrites) {
+    Stores first(app);
+    first.prepare();
+    EXPECT_EQ(TemporaryFolder::countIn(app.filePathA()), 0);
+    createAll(first);
+    EXPECT_THAT(runSql(app.filePath1(), "PRAGMA integrity_check"), ElementsAre("ok"));
+    EXPECT_EQ(runSql(app.filePath1(), preferencesDefinition().select).size(), 99U);
+
+    std::filesystem::last_write_time(app.filePath2(), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    Stores second(app);
+    second.prepare();
+    runSql(app.filePath2(), "update General set value='1' where field='Value02'");
+    createAll(second);
+    second.populateDB2();
+    EXPECT_EQ(second.checkboxValue(1), "1");
+}
+
 TEST(StoresWithoutFiles, answerWithTheDefaultRows) {
     struct Documents : DocumentsFolder {
         std::filesystem::path documentsFolder() const override { return "/documents"; }

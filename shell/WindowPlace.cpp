@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include <utility>
+
 namespace starbloom {
 
 WindowPlace::WindowPlace(QWidget& window, Stores& stores, WindowFrameMemory& memory, DelayedCalls& calls)
@@ -25,6 +27,13 @@ void WindowPlace::restore(bool storeExists) {
     }
     centre();
     if (plan.main == RestorePlan::Main::CentreAndSave) {
+        m_saveIsDue = true;
+    }
+}
+
+void WindowPlace::follow() {
+    m_keeper.follow();
+    if (std::exchange(m_saveIsDue, false)) {
         m_keeper.saveSoon();
     }
 }

@@ -17,11 +17,12 @@ public:
     WindowPlace(QWidget& window, Stores& stores, WindowFrameMemory& memory, DelayedCalls& calls);
 
     /// Gives the window, which has its first size but is not on the screen yet, its place by the mirrors; the sidebar's
-    /// place goes to the memory. With nothing saved the window is centred, and that place is written.
+    /// place goes to the memory. With nothing saved the window is centred, and that place is to be written.
     void restore(bool storeExists);
 
-    /// From now on changes are the user's, and are written.
-    void follow() { m_keeper.follow(); }
+    /// For a window that has appeared: from now on changes are the user's, and are written. So is a first place, which
+    /// had to wait, as the disk takes as long for it as the first picture does.
+    void follow();
 
 private:
     void centre();
@@ -31,6 +32,7 @@ private:
     Stores& m_stores;
     WindowFrameMemory& m_memory;
     FrameKeeper m_keeper;
+    bool m_saveIsDue = false;
 };
 
 } // namespace starbloom

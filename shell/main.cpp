@@ -114,6 +114,7 @@ int main(int argc, char** argv) {
     if (!hasDisplay(argc, argv)) {
         return refuse(argc, argv);
     }
+    starbloom::sendLogToCategories();
     // What needs no toolkit, while that connects to the window system: the fonts for the first text, the stores, and
     // the library of tasks, which looks at the processor when it is first used.
     const starbloom::AppFolder folder = applicationFolder();
@@ -127,11 +128,11 @@ int main(int argc, char** argv) {
     usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
+    preparation.join(); // What follows may end the program.
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("net.starbloom.Starbloom"));
     readArguments(application);
 
-    starbloom::sendLogToCategories();
     const starbloom::ColorScheme colorScheme;
     starbloom::QtDelayedCalls calls;
     starbloom::DesktopFilePanel filePanel;
@@ -139,7 +140,6 @@ int main(int argc, char** argv) {
     starbloom::DesktopFileManager fileManager;
     starbloom::LoadedEncoders encoders;
     starbloom::LoadedPrintSystem printSystem;
-    preparation.join();
     starbloom::AppDelegate delegate(
         folder, std::move(stores),
         {calls, filePanel, documents, fileManager, encoders, printSystem, starbloom::chooseShowSeed()});

@@ -7,8 +7,8 @@ namespace starbloom {
 
 /// The functions of SQLite that the stores use.
 ///
-/// The library is loaded when it is first used and not with the program: finding its two thousand symbols takes most of
-/// a millisecond, which a worker has while the window system is being connected and the launch has not. It stays for
+/// The library is loaded when it is first used and not with the program: finding its 1600 symbols takes most of a
+/// millisecond, which a worker has while the window system is being connected and the launch has not. It stays for
 /// the rest of the run. Any thread.
 struct SqliteLibrary {
     decltype(&sqlite3_open_v2) open = nullptr;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/screenshots/DrivenApplication.h"
 
-#include "views/ParameterSlider.h"
+#include "shell/SliderPanel.h"
 #include "views/PathControl.h"
 
 #include <cmath>
@@ -63,10 +63,10 @@ void DrivenApplication::launch() {
 
 void DrivenApplication::showMoment(std::span<const SliderPosition> positions, std::chrono::milliseconds moment) {
     auto& stage = find<StageView>("stage");
+    auto& panel = *m_app.sidebar().findChild<SliderPanel*>();
     for (const auto& [parameter, position] : positions) {
-        auto& slider = find<ParameterSlider>(row(parameter).name.data());
-        slider.setPosition(position);
-        emit slider.moved();
+        panel.setPosition(parameter, position);
+        emit panel.moved();
     }
     const auto before = stage.renderedFrames();
     stage.restart();

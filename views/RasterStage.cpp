@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/RasterStage.h"
 
+#include <QBackingStore>
 #include <QPaintEngine>
 #include <QPainter>
+#include <QTransform>
 #include <QWidget>
 
 #include <algorithm>
@@ -36,9 +38,23 @@ void copyPixels(const QImage& picture, const QPoint& place, const QRect& rect, Q
     }
 }
 
-/// The window's own memory behind a painter, if a picture's pixels can be copied to it as they are.
-QImage* memoryBehind(const QPainter& painter) {
-    auto* image = dynamic_cast<QImage*>(painter.paintEngine()->paintDevice());
+/// Whether a widget's part of its parent is out of sight, or another widget of the parent's lies above some of it.
+bool isCovered(const QWidget& widget, const QRect& part) {
+    const QWidget& parent = *widget.parentWidget();
+    if (!parent.rect().contains(part)) {
+        return true;
+    }
+    // Later ones lie above.
+    const QObjectList& children = parent.children();
+    return std::any_of(children.rbegin(), std::find(children.rbegin(), children.rend(), &widget), [&](QObject* each) {
+        const auto* const other = qobject_cast<QWidget*>(each);
+        return other != nullptr && !other->isHidden() && !other->isWindow() && other->geometry().intersects(part);
+    });
+}
+
+/// A window's memory, if a picture's pixels can be written to it as they are.
+QImage* pixelMemory(QPaintDevice* device) {
+    auto* image = dynamic_cast<QImage*>(device);
     const bool same = image != nullptr && (image->format() == QImage::Format_RGB32 ||
                                            image->format() == QImage::Format_ARGB32_Premultiplied);
     return same ? image : nullptr;
@@ -46,12 +62,78 @@ QImage* memoryBehind(const QPainter& painter) {
 
 } // namespace
 
+QImage RasterStage::picture() const {
+    if (!m_picture.isNull() || m_target.pixels == nullptr) {
+        return m_picture;
+    }
+    const QBackingStore* const store = m_widget.window()->backingStore();
+    auto* memory = store != nullptr ? dynamic_cast<QImage*>(const_cast<QBackingStore*>(store)->paintDevice()) : nullptr;
+    return memory != nullptr ? memory->copy(coveredPixels(m_widget.rect(), toWindowPixels())) : QImage();
+}
+
 bool RasterStage::isPlaced() const {
-    return !m_picture.isNull() && m_placedSize == m_widget.size() && m_pixelsPerPoint == m_widget.devicePixelRatioF();
+    return m_target.pixels != nullptr && m_placedSize == m_widget.size() &&
+           m_pixelsPerPoint == m_widget.devicePixelRatioF();
+}
+
+QTransform RasterStage::toWindowPixels() const {
+    const QPoint place = m_widget.mapTo(m_widget.window(), QPoint());
+    const double zoom = m_widget.devicePixelRatioF();
+    return QTransform::fromTranslate(place.x(), place.y()) * QTransform::fromScale(zoom, zoom);
+}
+
+bool RasterStage::ownsItsPlace() const {
+    const QWidget* const window = m_widget.window();
+    if (m_widget.nativeParentWidget() != window || !m_widget.updatesEnabled() ||
+        m_widget.findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly) != nullptr) {
+        return false;
+    }
+    QRect part = m_widget.rect();
+    for (const QWidget* each = &m_widget; each != window; each = each->parentWidget()) {
+        part.translate(each->pos());
+        if (isCovered(*each, part)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool RasterStage::present(const StageMoment& moment) {
+    QBackingStore* const store = m_widget.window()->backingStore();
+    if (store == nullptr || !m_memoryLasts || !isPlaced() || !ownsItsPlace()) {
+        return false;
+    }
+    const QRect place(m_widget.mapTo(m_widget.window(), QPoint()), m_widget.size());
+    store->beginPaint(place);
+    QImage* const memory = pixelMemory(store->paintDevice());
+    const QRect pixels = coveredPixels(m_widget.rect(), toWindowPixels());
+    const bool fits = memory != nullptr && memory->rect().contains(pixels);
+    if (fits) {
+        std::uint8_t* const first = memory->scanLine(pixels.top()) + 4 * static_cast<std::ptrdiff_t>(pixels.left());
+        if (first[3] != 255) {
+            // Some window systems clear what is about to be painted. Then there is nothing to be gained.
+            m_memoryLasts = false;
+            m_lit.forget();
+        }
+        m_picture = QImage();
+        render(moment,
+               {first, static_cast<std::size_t>(memory->bytesPerLine()), pixels.width(), pixels.height(),
+                PixelOrder::Bgra},
+               m_pixelsPerPoint);
+    }
+    store->endPaint();
+    if (fits) {
+        store->flush(changedPoints().translated(place.topLeft()) & place, m_widget.window()->windowHandle());
+    }
+    return fits;
 }
 
 QRegion RasterStage::render(const StageMoment& moment) {
-    render(moment, m_picture.size(), m_pixelsPerPoint);
+    renderOwn(moment, {m_target.width, m_target.height}, m_pixelsPerPoint);
+    return changedPoints();
+}
+
+QRegion RasterStage::changedPoints() const {
     QRegion changed;
     for (const PixelRect& pixels : m_lit.changed()) {
         const QRectF exact(pixels.x / m_pixelsPerPoint, pixels.y / m_pixelsPerPoint, pixels.width / m_pixelsPerPoint,
@@ -69,14 +151,14 @@ bool RasterStage::fits(const QPainter& painter) const {
 
 void RasterStage::renderFor(const QPainter& painter, const StageMoment& moment) {
     const QTransform toPixels = painter.deviceTransform();
-    render(moment, coveredPixels(m_widget.rect(), toPixels).size(), toPixels.m11());
+    renderOwn(moment, coveredPixels(m_widget.rect(), toPixels).size(), toPixels.m11());
 }
 
 void RasterStage::paint(QPainter& painter, const QRegion& region) {
     const QTransform toPixels = painter.deviceTransform();
     const QRect pixels = coveredPixels(m_widget.rect(), toPixels);
     m_placedSize = m_widget.size();
-    if (QImage* memory = memoryBehind(painter)) {
+    if (QImage* memory = pixelMemory(painter.paintEngine()->paintDevice())) {
         for (const QRect& part : region) {
             copyPixels(m_picture, pixels.topLeft(), coveredPixels(part, toPixels), *memory);
         }
@@ -87,13 +169,20 @@ void RasterStage::paint(QPainter& painter, const QRegion& region) {
     painter.drawImage(0, 0, m_picture);
 }
 
-void RasterStage::render(const StageMoment& moment, const QSize& pixels, double pixelsPerPoint) {
+void RasterStage::renderOwn(const StageMoment& moment, const QSize& pixels, double pixelsPerPoint) {
     if (m_picture.size() != pixels) {
         m_picture = QImage(pixels, pictureFormat);
-        m_lit.forget();
     }
     const RasterTarget target{m_picture.bits(), static_cast<std::size_t>(m_picture.bytesPerLine()), pixels.width(),
                               pixels.height(), PixelOrder::Bgra};
+    render(moment, target, pixelsPerPoint);
+}
+
+void RasterStage::render(const StageMoment& moment, const RasterTarget& target, double pixelsPerPoint) {
+    if (target != m_target) {
+        m_lit.forget();
+        m_target = target;
+    }
     m_renderer.renderNext(moment.sparks,
                           {.time = moment.time, .pixelsPerPoint = pixelsPerPoint, .background = moment.background},
                           target, m_lit);

@@ -9,20 +9,24 @@
 #include <QSize>
 
 class QPainter;
+class QTransform;
 class QWidget;
 
 namespace starbloom {
 
-/// The stage's picture drawn on the CPU, with one pixel for each pixel of the screen, and what of it the screen has
-/// yet to be shown.
+/// The stage's picture drawn on the CPU, with one pixel for each pixel of the screen.
+///
+/// While the stage plays and nothing else is painted where it lies, moments are drawn straight into the window's memory
+/// and handed to the screen from there. Qt's painting, which asks all widgets of the window and copies the picture,
+/// costs as much as the picture. Otherwise the picture has memory of its own and is painted as any other widget is.
 class RasterStage {
 public:
     /// The widget that it draws outlives it.
     explicit RasterStage(const QWidget& widget)
         : m_widget(widget) {}
 
-    /// The picture drawn last.
-    const QImage& picture() const { return m_picture; }
+    /// The picture drawn last; a copy of it where it is in the window's memory, and none when that is gone.
+    QImage picture() const;
 
     double pixelsPerPoint() const { return m_pixelsPerPoint; }
 
@@ -31,6 +35,11 @@ public:
 
     /// The screen may show anything now; all of it is painted next.
     void forgetPlace() { m_placedSize = QSize(); }
+
+    /// Draws a moment in the window's memory and shows what has changed. False when it cannot, and nothing was done:
+    /// where the stage lies is not known yet, a part of it is out of sight, or something is painted above it. Only
+    /// while the stage can be seen.
+    bool present(const StageMoment& moment);
 
     /// Draws a moment where the last one was. The answer is what has to be painted, in points. Only while placed.
     QRegion render(const StageMoment& moment);
@@ -51,16 +60,22 @@ public:
     RasterRenderer& pictureRenderer() { return m_pixelsPerPoint == 1.0 ? m_renderer : m_pictureRenderer; }
 
 private:
-    void render(const StageMoment& moment, const QSize& pixels, double pixelsPerPoint);
+    void renderOwn(const StageMoment& moment, const QSize& pixels, double pixelsPerPoint);
+    void render(const StageMoment& moment, const RasterTarget& target, double pixelsPerPoint);
+    QRegion changedPoints() const;
+    QTransform toWindowPixels() const;
+    bool ownsItsPlace() const;
 
     const QWidget& m_widget;
     RasterRenderer m_renderer;
     RasterRenderer m_pictureRenderer; ///< Apart, as it keeps its sprites.
-    QImage m_picture;
-    LitArea m_lit;                 ///< Of m_picture.
-    QSize m_placedSize;            ///< The widget's when m_picture was painted.
-    double m_pixelsPerPoint = 1.0; ///< Of m_picture.
+    QImage m_picture;                 ///< None while m_target is in the window's memory.
+    RasterTarget m_target;            ///< What has been drawn last.
+    LitArea m_lit;                    ///< Of m_target.
+    QSize m_placedSize;               ///< The widget's when it was painted last.
+    double m_pixelsPerPoint = 1.0;    ///< Of m_target.
     bool m_passedOver = false;
+    bool m_memoryLasts = true; ///< The window's memory still holds the last frame when the next one is drawn.
 };
 
 } // namespace starbloom

@@ -169,6 +169,10 @@ void StageView::showChanges() {
         update(); // Where the picture lies among the screen's pixels is found out when it is painted.
         return;
     }
+    if (m_raster.present(moment())) {
+        momentShown();
+        return;
+    }
     // Drawn now and not when it is painted, so that only what has changed needs to be.
     const QRegion changed = m_raster.render(moment());
     momentShown();

@@ -91,7 +91,7 @@ public:
     void endRecording();
 
     /// The picture that the CPU has drawn last, in pixels of the screen.
-    const QImage& picture() const { return m_raster.picture(); }
+    QImage picture() const { return m_raster.picture(); }
 
     /// How many pictures have been drawn so far.
     std::uint64_t renderedFrames() const { return m_renderedFrames; }

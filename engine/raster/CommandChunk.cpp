@@ -1,17 +1,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/raster/CommandChunk.h"
 
+#include "engine/raster/LightBand.h"
+
 #include <algorithm>
 
 namespace starbloom {
+
+/// What of it lies in the picture's width; its rows may still reach over the picture's edges.
+struct CommandChunk::Sprite {
+    int left;   ///< Pixels from the picture's left edge; down to the margin of the light.
+    int top;    ///< Likewise from its upper edge.
+    int column; ///< Of the tiles.
+    int rows;
+    SparkCommand command; ///< Of its first row.
+};
+
+TileGrid::TileGrid(int width, int height)
+    : m_width(width)
+    , m_height(height)
+    , m_columns((width + tileWidth - 1) / tileWidth)
+    , m_bands((height + tileHeight - 1) / tileHeight)
+    , m_cells(width, height)
+    , m_planeStride(LightBand::planeStrideFor(width)) {}
 
 void CommandChunk::begin() {
     m_pieces.clear();
 }
 
 void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atlases atlases) {
-    m_commands.clear();
-    m_tiles.clear();
+    m_count = 0;
+    m_missing.clear();
+    m_lit.assign(grid.cells().count(), 0);
     PlacedSparks placed;
     for (const Piece& piece : m_pieces) {
         for (std::size_t done = 0; done < piece.count; done += PlacedSparks::capacity) {
@@ -21,73 +41,132 @@ void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atl
         }
     }
     sortByTile(grid);
-    findMissing(atlases);
 }
 
 void CommandChunk::appendCommands(const PlacedSparks& placed, std::size_t count, std::uint16_t atlasIndex,
                                   const SpriteAtlas& atlas, const TileGrid& grid) {
     for (std::size_t k = 0; k < count; ++k) {
-        if ((placed.red[k] | placed.green[k] | placed.blue[k]) == 0) {
+        const int tint = std::max({placed.red[k], placed.green[k], placed.blue[k]});
+        if (tint == 0) {
             continue;
         }
-        const int key = atlas.keyFor(placed.size[k], placed.rotation[k]);
+        const int key = atlas.keyFor(placed.sizeStep[k], placed.rotation[k]);
+        const SpriteSet* set = atlas.find(key);
+        if (set == nullptr) {
+            const MissingSprite sprite{atlasIndex, static_cast<std::uint32_t>(key)};
+            if (m_missing.empty() || m_missing.back() != sprite) { // Neighbours are often of one size.
+                m_missing.push_back(sprite);
+            }
+            continue;
+        }
         // Positions that the sprite does not tell apart are rounded to the nearest one that it does.
-        const SpriteAtlas::SizeTraits& traits = SpriteAtlas::traitsOf(key);
-        const int roundUp = (1 << traits.phaseShift) >> 1;
+        const int roundUp = (1 << set->phaseShift) >> 1;
         const int x8 = placed.x8[k] + roundUp;
         const int y8 = placed.y8[k] + roundUp;
+        const SpriteBox& box = set->box(static_cast<unsigned>(tint));
         const int x = x8 >> 3;
-        const int y = y8 >> 3;
-        const int reach = traits.reach;
-        if (x + reach < 0 || x - reach >= grid.width() || y + reach < 0 || y - reach >= grid.height()) {
+        int left = x + box.left;
+        const int top = (y8 >> 3) + box.top;
+        int width = box.width;
+        if (box.rows == 0 || left + width <= 0 || left >= grid.width() || top + box.rows <= 0 || top >= grid.height()) {
             continue;
         }
-        const SparkCommand command{x,
-                                   y,
-                                   static_cast<std::uint32_t>(key),
-                                   atlasIndex,
-                                   static_cast<std::uint8_t>(x8 & 7),
-                                   static_cast<std::uint8_t>(y8 & 7),
-                                   static_cast<std::int16_t>(placed.red[k]),
-                                   static_cast<std::int16_t>(placed.green[k]),
-                                   static_cast<std::int16_t>(placed.blue[k])};
-        const int column = std::clamp(x, 0, grid.width() - 1) / TileGrid::tileWidth;
-        const int firstBand = std::max(y - reach, 0) / TileGrid::tileHeight;
-        const int lastBand = std::min(y + reach, grid.height() - 1) / TileGrid::tileHeight;
-        for (int band = firstBand; band <= lastBand; ++band) {
-            m_commands.push_back(command);
-            m_tiles.push_back(static_cast<std::uint32_t>(grid.tile(band, column)));
-        }
+        const std::int16_t* mask = set->mask(static_cast<unsigned>(x8 & 7), static_cast<unsigned>(y8 & 7)) + box.offset;
+        // What hangs over an edge by more than the margin is cut off in whole vectors.
+        const int hidden = left < 0 ? -left / spriteLanes * spriteLanes : 0;
+        left += hidden;
+        mask += hidden;
+        width = std::min(width - hidden, (grid.width() - left + spriteLanes - 1) / spriteLanes * spriteLanes);
+        append({left,
+                top,
+                std::clamp(x, 0, grid.width() - 1) / TileGrid::tileWidth,
+                box.rows,
+                {mask, left, box.rows, static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(set->stride),
+                 static_cast<std::int16_t>(placed.red[k]), static_cast<std::int16_t>(placed.green[k]),
+                 static_cast<std::int16_t>(placed.blue[k])}},
+               grid);
+    }
+}
+
+void CommandChunk::append(const Sprite& sprite, const TileGrid& grid) {
+    if (sprite.rows > TileGrid::tileHeight) {
+        appendTall(sprite, grid);
+        return;
+    }
+    // In one band or in two, which cannot be foreseen: both commands are written, and one or two are counted.
+    makeRoomFor(2);
+    const int first = std::max(sprite.top, 0);
+    const int end = std::min(sprite.top + sprite.rows, grid.height());
+    const int band = first / TileGrid::tileHeight;
+    const int bandEnd = (band + 1) * TileGrid::tileHeight;
+    const auto place = [&](SparkCommand& command, int row, int rowInBand, int rows) {
+        command = sprite.command;
+        command.mask += static_cast<std::ptrdiff_t>(row - sprite.top) * sprite.command.stride;
+        command.place += static_cast<std::int32_t>(rowInBand * 3 * grid.planeStride());
+        command.rows = static_cast<std::uint16_t>(rows);
+    };
+    place(m_commands[m_count], first, first % TileGrid::tileHeight, std::min(end, bandEnd) - first);
+    place(m_commands[m_count + 1], bandEnd, 0, end - bandEnd);
+    const auto tile = static_cast<std::uint32_t>(grid.tile(band, sprite.column));
+    m_tiles[m_count] = tile;
+    m_tiles[m_count + 1] = tile + static_cast<std::uint32_t>(grid.columns());
+    m_count += end > bandEnd ? 2 : 1;
+    markLit(sprite, grid);
+}
+
+void CommandChunk::appendTall(const Sprite& sprite, const TileGrid& grid) {
+    const int end = std::min(sprite.top + sprite.rows, grid.height());
+    for (int first = std::max(sprite.top, 0); first < end;) {
+        const int next = std::min((first / TileGrid::tileHeight + 1) * TileGrid::tileHeight, end);
+        Sprite part = sprite;
+        part.top = first;
+        part.rows = next - first;
+        part.command.mask += static_cast<std::ptrdiff_t>(first - sprite.top) * sprite.command.stride;
+        append(part, grid);
+        first = next;
+    }
+}
+
+void CommandChunk::markLit(const Sprite& sprite, const TileGrid& grid) {
+    const int firstColumn = std::max(sprite.left, 0) / CellGrid::cellWidth;
+    const int lastColumn = (std::min(sprite.left + sprite.command.width, grid.width()) - 1) / CellGrid::cellWidth;
+    const int firstRow = std::max(sprite.top, 0) / CellGrid::cellHeight;
+    const int lastRow = (std::min(sprite.top + sprite.rows, grid.height()) - 1) / CellGrid::cellHeight;
+    std::uint8_t* first = m_lit.data() + grid.cells().index(firstRow, 0);
+    std::uint8_t* last = m_lit.data() + grid.cells().index(lastRow, 0);
+    if (sprite.command.width <= CellGrid::cellWidth && sprite.rows <= CellGrid::cellHeight) {
+        first[firstColumn] = first[lastColumn] = last[firstColumn] = last[lastColumn] = 1;
+        return;
+    }
+    for (; first <= last; first += grid.cells().columns) {
+        std::fill(first + firstColumn, first + lastColumn + 1, std::uint8_t{1});
+    }
+}
+
+void CommandChunk::makeRoomFor(std::size_t more) {
+    if (m_count + more > m_commands.size()) {
+        const std::size_t room = std::max(2 * m_commands.size(), m_count + more + capacity);
+        m_commands.resize(room);
+        m_tiles.resize(room);
     }
 }
 
 void CommandChunk::sortByTile(const TileGrid& grid) {
     m_tileStarts.assign(grid.tileCount() + 1, 0);
-    for (const std::uint32_t tile : m_tiles) {
-        ++m_tileStarts[tile + 1];
+    for (std::size_t i = 0; i < m_count; ++i) {
+        ++m_tileStarts[m_tiles[i]];
     }
-    for (std::size_t tile = 0; tile < grid.tileCount(); ++tile) {
-        m_tileStarts[tile + 1] += m_tileStarts[tile];
+    std::uint32_t end = 0;
+    for (std::uint32_t& start : m_tileStarts) {
+        end += start;
+        start = end;
+    }
+    if (m_sorted.size() < m_commands.size()) {
+        m_sorted.resize(m_commands.size());
     }
     // Filling backwards turns each tile's end into its start.
-    m_sorted.resize(m_commands.size());
-    for (std::size_t i = m_commands.size(); i-- > 0;) {
-        m_sorted[--m_tileStarts[m_tiles[i] + 1]] = m_commands[i];
-    }
-    m_tileStarts.erase(m_tileStarts.begin());
-    m_tileStarts.push_back(static_cast<std::uint32_t>(m_commands.size()));
-}
-
-void CommandChunk::findMissing(Atlases atlases) {
-    m_missing.clear();
-    MissingSprite last{0, ~0U};
-    for (const SparkCommand& command : m_commands) {
-        // Neighbours are often of one size, so most need no look.
-        const MissingSprite sprite{command.atlas, command.key};
-        if (sprite != last && atlases[command.atlas]->find(static_cast<int>(command.key)) == nullptr) {
-            m_missing.push_back(sprite);
-        }
-        last = sprite;
+    for (std::size_t i = m_count; i-- > 0;) {
+        m_sorted[--m_tileStarts[m_tiles[i]]] = m_commands[i];
     }
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/raster/LitArea.h"
 #include "engine/raster/RasterKernels.h"
+#include "engine/raster/SpriteAtlas.h"
 
 #include <compare>
 #include <cstddef>
@@ -17,15 +19,10 @@ namespace starbloom {
 class TileGrid {
 public:
     static constexpr int tileWidth = 128; ///< Pixels.
-    static constexpr int tileHeight = 32;
+    static constexpr int tileHeight = 32; ///< A multiple of the height of cells.
 
     TileGrid() = default;
-
-    TileGrid(int width, int height)
-        : m_width(width)
-        , m_height(height)
-        , m_columns((width + tileWidth - 1) / tileWidth)
-        , m_bands((height + tileHeight - 1) / tileHeight) {}
+    TileGrid(int width, int height);
 
     int width() const { return m_width; }
 
@@ -41,11 +38,18 @@ public:
         return static_cast<std::size_t>(band) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(column);
     }
 
+    const CellGrid& cells() const { return m_cells; }
+
+    /// Of the light of its bands, see LightBand.
+    std::ptrdiff_t planeStride() const { return m_planeStride; }
+
 private:
     int m_width = 0;
     int m_height = 0;
     int m_columns = 0;
     int m_bands = 0;
+    CellGrid m_cells;
+    std::ptrdiff_t m_planeStride = 0;
 };
 
 /// A sprite that a chunk needs and its atlas does not have yet.
@@ -60,7 +64,7 @@ struct MissingSprite {
 /// thread, and only read once it has been placed.
 class CommandChunk {
 public:
-    static constexpr std::size_t capacity = 4096; ///< Sparks: their commands stay within the second-level cache.
+    static constexpr std::size_t capacity = 8192; ///< Sparks: their commands stay within the second-level cache.
 
     /// Consecutive sparks of one batch.
     struct Piece {
@@ -79,11 +83,9 @@ public:
     void add(const Piece& piece) { m_pieces.push_back(piece); }
 
     /// Works out the commands of all pieces and sorts them by tile. What shows nowhere gets none; a sprite that reaches
-    /// over several bands gets one in each.
+    /// over several bands gets one in each. Where sprites are missing, it has to be done again once they have been
+    /// made.
     void place(const RasterKernels& kernels, const TileGrid& grid, Atlases atlases);
-
-    /// Looks again which sprites are missing.
-    void findMissing(Atlases atlases);
 
     std::span<const MissingSprite> missing() const { return m_missing; }
 
@@ -91,16 +93,28 @@ public:
         return std::span(m_sorted).subspan(m_tileStarts[tile], m_tileStarts[tile + 1] - m_tileStarts[tile]);
     }
 
+    /// For each cell of the grid, whether there is something to be drawn.
+    std::span<const std::uint8_t> lit() const { return m_lit; }
+
 private:
+    /// A spark's own part of its commands.
+    struct Sprite;
+
     void appendCommands(const PlacedSparks& placed, std::size_t count, std::uint16_t atlasIndex,
                         const SpriteAtlas& atlas, const TileGrid& grid);
+    void append(const Sprite& sprite, const TileGrid& grid);
+    void appendTall(const Sprite& sprite, const TileGrid& grid);
+    void markLit(const Sprite& sprite, const TileGrid& grid);
+    void makeRoomFor(std::size_t more);
     void sortByTile(const TileGrid& grid);
 
     std::vector<Piece> m_pieces;
+    std::size_t m_count = 0; ///< Of commands; the vectors are longer.
     std::vector<SparkCommand> m_commands;
     std::vector<std::uint32_t> m_tiles; ///< Of each command.
     std::vector<SparkCommand> m_sorted;
     std::vector<std::uint32_t> m_tileStarts; ///< First sorted command of each tile, and the end.
+    std::vector<std::uint8_t> m_lit;
     std::vector<MissingSprite> m_missing;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/raster/LitArea.h"
 #include "engine/raster/RasterKernels.h"
 
 #include <cstddef>
@@ -10,43 +11,41 @@
 
 namespace starbloom {
 
-// What is known of a cell of the picture, see LitArea.
-constexpr std::uint8_t cellIsLit = 1;
-constexpr std::uint8_t cellIsWritten = 2;
-
 /// The accumulated light of some rows of the picture, used for one band after the other. Between bands all light is
 /// zero, which resolve() restores, so only what was touched is ever cleared.
 class LightBand {
 public:
-    /// Prepares for the rows top .. top + rows - 1 of a picture of that width.
-    void begin(int pictureWidth, int top, int rows);
+    /// How far from one channel's plane to the next, in a picture of that width; three of them to the next row.
+    static std::ptrdiff_t planeStrideFor(int pictureWidth);
 
-    /// Adds the rows of a sprite that lie in the band.
-    void draw(const RasterKernels& kernels, const SpriteSet& sprite, const SparkCommand& command);
+    /// Pixels that a sprite may hang over on either side.
+    static constexpr int margin = spriteLanes;
 
-    /// Writes the band's pixels, the first row to `pixels`, and takes the light back to zero. Cells that are dark now
-    /// and before are not written; the others are marked as lit or not, and as written.
-    void resolve(const RasterKernels& kernels, const ResolveSettings& settings, std::uint8_t* pixels,
-                 std::size_t bytesPerRow, std::span<std::uint8_t> cells);
+    /// Prepares for a band of so many rows of a picture of that width.
+    void begin(int pictureWidth, int rows);
+
+    /// The first pixel of the band.
+    std::uint16_t* light() { return m_light.data() + margin; }
+
+    std::ptrdiff_t planeStride() const { return m_planeStride; }
+
+    /// A row of cells of the picture that lies in the band.
+    struct CellRow {
+        int top = 0;                       ///< Its first row of pixels, counted from the band's.
+        int rows = 0;                      ///< Of pixels.
+        std::span<const std::uint8_t> lit; ///< For each cell, whether sprites have been drawn there.
+        std::span<std::uint8_t> cells;     ///< What LitArea knows of them; brought up to date.
+        std::uint8_t* pixels = nullptr;    ///< Of its first row.
+        std::size_t bytesPerRow = 0;
+    };
+
+    /// Writes a row's pixels and takes its light back to zero. Cells that are dark now and before are not written.
+    void resolve(const RasterKernels& kernels, const ResolveSettings& settings, const CellRow& row);
 
 private:
-    std::uint16_t* rowStart(int row) {
-        return m_light.data() + static_cast<std::ptrdiff_t>(row) * 3 * m_planeStride + margin;
-    }
-
-    void drawWide(const RasterKernels& kernels, const std::int16_t* mask, int stride, int rows, int x, int row,
-                  const SparkCommand& command);
-
-    /// Pixels that a sprite may hang over on either side; wider ones are cut to fit first.
-    static constexpr int margin = 64;
-
     int m_width = 0;
-    int m_top = 0;
-    int m_rows = 0;
     std::ptrdiff_t m_planeStride = 0;
-    std::vector<std::uint8_t> m_lit; ///< For each cell, whether it has been touched.
     std::vector<std::uint16_t> m_light;
-    std::vector<std::int16_t> m_cutMask;
 };
 
 } // namespace starbloom

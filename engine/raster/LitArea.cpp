@@ -1,52 +1,54 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/raster/LitArea.h"
 
-#include "engine/raster/LightBand.h"
-
 #include <algorithm>
 
 namespace starbloom {
 
-namespace {
-
-std::size_t cellsAcross(int width) {
-    return static_cast<std::size_t>((width + LitArea::cellWidth - 1) / LitArea::cellWidth);
-}
-
-} // namespace
-
-std::span<std::uint8_t> LitArea::band(int index) {
-    const std::size_t columns = cellsAcross(m_width);
-    return std::span(m_cells).subspan(static_cast<std::size_t>(index) * columns, columns);
-}
-
-void LitArea::begin(int width, int height, int bandHeight, const Color& background) {
-    if (width == m_width && height == m_height && bandHeight == m_bandHeight && background == m_background) {
+void LitArea::begin(int width, int height, const Color& background) {
+    if (width == m_width && height == m_height && background == m_background) {
         return;
     }
     m_width = width;
     m_height = height;
-    m_bandHeight = bandHeight;
     m_background = background;
+    m_grid = CellGrid(width, height);
     // As if there were light everywhere: then all of it is written.
-    m_cells.assign(cellsAcross(width) * static_cast<std::size_t>((height + bandHeight - 1) / bandHeight), cellIsLit);
+    m_cells.assign(m_grid.count(), isLit);
 }
 
 void LitArea::end() {
     m_changed.clear();
-    const int columns = static_cast<int>(cellsAcross(m_width));
-    for (int top = 0; top < m_height; top += m_bandHeight) {
-        const auto cells = band(top / m_bandHeight);
-        const int rows = std::min(m_bandHeight, m_height - top);
-        for (int column = 0; column < columns; ++column) {
-            const int first = column;
-            while (column < columns && (cells[static_cast<std::size_t>(column)] & cellIsWritten) != 0) {
+    std::size_t above = 0; // Where the rectangles begin that end where the present row of cells begins.
+    for (int row = 0; row < m_grid.rows; ++row) {
+        const auto cells = this->row(row);
+        const int top = row * CellGrid::cellHeight;
+        const int rows = std::min(CellGrid::cellHeight, m_height - top);
+        const std::size_t first = m_changed.size();
+        for (int column = 0; column < m_grid.columns; ++column) {
+            const int begin = column;
+            while (column < m_grid.columns && (cells[static_cast<std::size_t>(column)] & isWritten) != 0) {
                 ++column;
             }
-            if (column > first) {
-                const int left = first * cellWidth;
-                m_changed.push_back({left, top, std::min(column * cellWidth, m_width) - left, rows});
+            if (column > begin) {
+                const int left = begin * CellGrid::cellWidth;
+                m_changed.push_back({left, top, std::min(column * CellGrid::cellWidth, m_width) - left, rows});
             }
+        }
+        // A row just like the one above makes that one's rectangles higher.
+        const std::size_t count = m_changed.size() - first;
+        const auto sameColumns = [](const PixelRect& a, const PixelRect& b) {
+            return a.x == b.x && a.width == b.width;
+        };
+        if (count > 0 && first - above == count && m_changed[above].y + m_changed[above].height == top &&
+            std::equal(m_changed.begin() + static_cast<std::ptrdiff_t>(first), m_changed.end(),
+                       m_changed.begin() + static_cast<std::ptrdiff_t>(above), sameColumns)) {
+            m_changed.resize(first);
+            for (std::size_t i = above; i < first; ++i) {
+                m_changed[i].height += rows;
+            }
+        } else {
+            above = first;
         }
     }
 }

@@ -20,32 +20,61 @@ struct PixelRect {
     friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
+/// A picture cut into cells, each of which is dark or not.
+struct CellGrid {
+    static constexpr int cellWidth = 32; ///< Pixels.
+    static constexpr int cellHeight = 16;
+
+    int columns = 0;
+    int rows = 0;
+
+    CellGrid() = default;
+
+    CellGrid(int width, int height)
+        : columns((width + cellWidth - 1) / cellWidth)
+        , rows((height + cellHeight - 1) / cellHeight) {}
+
+    std::size_t count() const { return static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows); }
+
+    std::size_t index(int row, int column) const {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(column);
+    }
+
+    /// A row of the cells that a value is kept for.
+    template <typename Values>
+    auto row(Values& values, int row) const {
+        return std::span(values).subspan(index(row, 0), static_cast<std::size_t>(columns));
+    }
+};
+
 /// Which cells of a picture have light in them. The rest is plain background, so a renderer that draws the next frame
 /// into the same memory can leave alone what is dark before and after.
 ///
 /// Belongs to the picture's memory: whoever writes to that memory in any other way calls forget().
 class LitArea {
 public:
-    static constexpr int cellWidth = 64; ///< Pixels. A cell is as high as a band of the renderer.
+    /// What is known of a cell: whether there is light in it, and whether the last frame has written it.
+    static constexpr std::uint8_t isLit = 1;
+    static constexpr std::uint8_t isWritten = 2;
 
     /// Whatever the memory holds, the next frame is written as a whole.
     void forget() { m_width = 0; }
 
-    /// What the last frame has changed, one rectangle for each run of cells beside one another.
+    /// What the last frame has changed.
     const std::vector<PixelRect>& changed() const { return m_changed; }
 
 private:
     friend class RasterRenderer;
 
-    /// The cells of a band: bit 0 tells whether there was light, bit 1 whether the last frame has written them.
-    std::span<std::uint8_t> band(int index);
-    void begin(int width, int height, int bandHeight, const Color& background);
+    std::span<std::uint8_t> row(int index) { return m_grid.row(m_cells, index); }
+
+    void begin(int width, int height, const Color& background);
     void end();
 
     int m_width = 0;
     int m_height = 0;
-    int m_bandHeight = 1;
     Color m_background;
+    CellGrid m_grid;
     std::vector<std::uint8_t> m_cells;
     std::vector<PixelRect> m_changed;
 };

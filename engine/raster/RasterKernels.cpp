@@ -7,7 +7,10 @@
 
 #include "engine/raster/RasterKernels.h"
 
+#include <hwy/cache_control.h>
 #include <hwy/highway.h>
+
+#include <algorithm>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -33,6 +36,17 @@ HWY_INLINE void storeTint(D d, const float* birth, float speed, V age, V light, 
     const hn::RebindToSigned<D> di;
     const V channel = between(d, hn::Add(hn::LoadU(d, birth), hn::Mul(hn::Set(d, speed), age)), 0.0F, 1.0F);
     hn::StoreU(hn::ConvertTo(di, hn::Add(hn::Mul(channel, light), hn::Set(d, 0.5F))), di, out);
+}
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE void storeSizeStep(D d, V size, std::int32_t* out) {
+    const hn::RebindToSigned<D> di;
+    const auto fine = hn::ConvertTo(di, hn::Add(hn::Mul(size, hn::Set(d, 8.0F)), hn::Set(d, 0.5F)));
+    const auto bits = hn::BitCast(di, hn::Min(size, hn::Set(d, SpriteSizes::largest)));
+    const auto coarse = hn::Add(hn::ShiftRight<17>(hn::Add(bits, hn::Set(di, 1 << 16))),
+                                hn::Set(di, SpriteSizes::fineSteps - SpriteSizes::firstOctaveBits));
+    const auto isFine = hn::RebindMask(di, hn::Lt(size, hn::Set(d, 16.0F)));
+    hn::StoreU(hn::IfThenElse(isFine, fine, coarse), di, out);
 }
 
 HWY_ATTR void Place(const SparkBatch& b, std::size_t first, std::size_t count, const PlaceSettings& s,
@@ -61,7 +75,7 @@ HWY_ATTR void Place(const SparkBatch& b, std::size_t first, std::size_t count, c
         const auto light = hn::IfThenElseZero(alive, hn::Mul(alpha, hn::Set(d, static_cast<float>(fullLight))));
         storeEighths(d, hn::Mul(x, zoom), out.x8.data() + k);
         storeEighths(d, hn::Sub(hn::Set(d, s.pictureHeight), hn::Mul(y, zoom)), out.y8.data() + k);
-        hn::StoreU(hn::Mul(scale, hn::Set(d, s.imageSizePixels)), d, out.size.data() + k);
+        storeSizeStep(d, hn::Mul(scale, hn::Set(d, s.imageSizePixels)), out.sizeStep.data() + k);
         hn::StoreU(hn::Mul(hn::Set(d, law.spin), age), d, out.rotation.data() + k);
         storeTint(d, &b.red[i], law.colorSpeed.red, age, light, out.red.data() + k);
         storeTint(d, &b.green[i], law.colorSpeed.green, age, light, out.green.data() + k);
@@ -74,7 +88,7 @@ HWY_ATTR void Place(const SparkBatch& b, std::size_t first, std::size_t count, c
         for (std::size_t k = 0; k < left; ++k) {
             out.x8[whole + k] = rest.x8[k];
             out.y8[whole + k] = rest.y8[k];
-            out.size[whole + k] = rest.size[k];
+            out.sizeStep[whole + k] = rest.sizeStep[k];
             out.rotation[whole + k] = rest.rotation[k];
             out.red[whole + k] = rest.red[k];
             out.green[whole + k] = rest.green[k];
@@ -90,54 +104,94 @@ HWY_INLINE void addTinted(D /*lanes*/, hn::Vec<D> mask, hn::Vec<D> tint, std::ui
     hn::StoreU(hn::SaturatedAdd(hn::LoadU(du, light), added), du, light);
 }
 
-HWY_ATTR void Blit(const std::int16_t* mask, int stride, int rows, const SparkCommand& command, std::uint16_t* light,
-                   std::ptrdiff_t planeStride) {
+/// Adds one sprite, `vectors` vectors wide; 0 for any number of them.
+template <int vectors>
+HWY_INLINE void drawSprite(const SparkCommand& command, std::uint16_t* light, std::ptrdiff_t planeStride) {
     // No wider than a usual sprite: wider vectors would work on nothing and straddle cache lines.
-    const hn::CappedTag<std::int16_t, SpriteSet::laneMultiple> d;
+    const hn::CappedTag<std::int16_t, spriteLanes> d;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    const int width = vectors != 0 ? vectors * lanes : command.width;
     const auto red = hn::Set(d, command.red);
     const auto green = hn::Set(d, command.green);
     const auto blue = hn::Set(d, command.blue);
-    const int lanes = static_cast<int>(hn::Lanes(d));
-    for (int row = 0; row < rows; ++row) {
-        for (int x = 0; x < stride; x += lanes) {
+    const std::int16_t* mask = command.mask;
+    std::uint16_t* out = light + command.place;
+    for (int row = command.rows; row > 0; --row) {
+        for (int x = 0; x < width; x += lanes) {
             const auto m = hn::LoadU(d, mask + x);
-            addTinted(d, m, red, light + x);
-            addTinted(d, m, green, light + planeStride + x);
-            addTinted(d, m, blue, light + 2 * planeStride + x);
+            addTinted(d, m, red, out + x);
+            addTinted(d, m, green, out + planeStride + x);
+            addTinted(d, m, blue, out + 2 * planeStride + x);
         }
-        mask += stride;
-        light += 3 * planeStride;
+        mask += command.stride;
+        out += 3 * planeStride;
     }
 }
 
-template <class D>
-HWY_INLINE auto takeChannel(D d, std::uint16_t* light, std::uint16_t background) {
-    const hn::Rebind<std::uint8_t, D> d8;
-    const hn::RebindToSigned<D> di;
-    const auto sum = hn::SaturatedAdd(hn::LoadU(d, light), hn::Set(d, background));
-    hn::StoreU(hn::Zero(d), d, light);
-    return hn::DemoteTo(d8, hn::BitCast(di, hn::ShiftRight<lightShift>(sum)));
+/// Has the mask of a sprite fetched that is drawn soon; what is beyond the first rows the processor foresees by itself.
+HWY_INLINE void prefetchMask(const SparkCommand& command) {
+    constexpr int line = 64 / static_cast<int>(sizeof(std::int16_t));
+    const int pixels = std::min(command.rows * command.stride, 8 * line);
+    for (int i = 0; i < pixels; i += line) {
+        hwy::Prefetch(command.mask + i);
+    }
 }
 
-HWY_ATTR void Resolve(std::uint16_t* light, std::ptrdiff_t planeStride, std::size_t count,
-                      const ResolveSettings& settings, std::uint8_t* pixels) {
-    const hn::ScalableTag<std::uint16_t> d;
-    const hn::Rebind<std::uint8_t, decltype(d)> d8;
-    const std::size_t lanes = hn::Lanes(d);
-    const auto opaque = hn::Set(d8, std::uint8_t{255});
-    std::size_t x = 0;
-    for (; x + lanes <= count; x += lanes) {
-        const auto red = takeChannel(d, light + x, settings.background[0]);
-        const auto green = takeChannel(d, light + planeStride + x, settings.background[1]);
-        const auto blue = takeChannel(d, light + 2 * planeStride + x, settings.background[2]);
-        if (settings.order == PixelOrder::Rgba) {
-            hn::StoreInterleaved4(red, green, blue, opaque, d8, pixels + 4 * x);
+HWY_ATTR void Draw(std::span<const SparkCommand> commands, std::uint16_t* light, std::ptrdiff_t planeStride) {
+    constexpr std::size_t ahead = 3;
+    const int lanes = static_cast<int>(hn::Lanes(hn::CappedTag<std::int16_t, spriteLanes>()));
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        if (i + ahead < commands.size()) {
+            prefetchMask(commands[i + ahead]);
+        }
+        const SparkCommand& command = commands[i];
+        if (command.width == lanes) {
+            drawSprite<1>(command, light, planeStride);
+        } else if (command.width == 2 * lanes) {
+            drawSprite<2>(command, light, planeStride);
         } else {
-            hn::StoreInterleaved4(blue, green, red, opaque, d8, pixels + 4 * x);
+            drawSprite<0>(command, light, planeStride);
         }
     }
-    if (x < count) {
-        scalarKernels().resolve(light + x, planeStride, count - x, settings, pixels + 4 * x);
+}
+
+/// Takes the light of one channel, which is zero afterwards, as display levels.
+template <class D>
+HWY_INLINE hn::Vec<D> takeLevels(D d, std::uint16_t* light, hn::Vec<D> background) {
+    const auto sum = hn::SaturatedAdd(hn::LoadU(d, light), background);
+    hn::StoreU(hn::Zero(d), d, light);
+    return hn::Min(hn::ShiftRight<lightShift>(sum), hn::Set(d, std::uint16_t{255}));
+}
+
+HWY_ATTR void Resolve(const LightBlock& block, const ResolveSettings& settings, std::uint8_t* pixels,
+                      std::size_t bytesPerRow) {
+    const hn::CappedTag<std::uint16_t, spriteLanes> d;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    // The channel that comes first in memory and the one that comes third.
+    const bool swapped = settings.order == PixelOrder::Bgra;
+    const std::ptrdiff_t firstPlane = swapped ? 2 * block.planeStride : 0;
+    const std::ptrdiff_t thirdPlane = 2 * block.planeStride - firstPlane;
+    const auto firstGround = hn::Set(d, settings.background[swapped ? 2 : 0]);
+    const auto green = hn::Set(d, settings.background[1]);
+    const auto thirdGround = hn::Set(d, settings.background[swapped ? 0 : 2]);
+    const auto opaque = hn::Set(d, std::uint16_t{0xFF00});
+    std::uint16_t* light = block.light;
+    std::uint8_t* out = pixels;
+    int x = 0;
+    for (int row = 0; row < block.rows; ++row) {
+        for (x = 0; x + lanes <= block.width; x += lanes) {
+            const auto first = takeLevels(d, light + firstPlane + x, firstGround);
+            const auto second = takeLevels(d, light + block.planeStride + x, green);
+            const auto third = takeLevels(d, light + thirdPlane + x, thirdGround);
+            hn::StoreInterleaved2(hn::Or(first, hn::ShiftLeft<8>(second)), hn::Or(third, opaque), d,
+                                  reinterpret_cast<std::uint16_t*>(out + 4 * x));
+        }
+        light += 3 * block.planeStride;
+        out += bytesPerRow;
+    }
+    if (x < block.width) {
+        const LightBlock rest{block.light + x, block.planeStride, block.width - x, block.rows};
+        scalarKernels().resolve(rest, settings, pixels + 4 * x, bytesPerRow);
     }
 }
 
@@ -152,7 +206,7 @@ namespace starbloom {
 namespace {
 
 HWY_EXPORT(Place);
-HWY_EXPORT(Blit);
+HWY_EXPORT(Draw);
 HWY_EXPORT(Resolve);
 
 void place(const SparkBatch& batch, std::size_t first, std::size_t count, const PlaceSettings& settings,
@@ -160,20 +214,18 @@ void place(const SparkBatch& batch, std::size_t first, std::size_t count, const 
     HWY_DYNAMIC_DISPATCH(Place)(batch, first, count, settings, out);
 }
 
-void blit(const std::int16_t* mask, int stride, int rows, const SparkCommand& tint, std::uint16_t* light,
-          std::ptrdiff_t planeStride) {
-    HWY_DYNAMIC_DISPATCH(Blit)(mask, stride, rows, tint, light, planeStride);
+void draw(std::span<const SparkCommand> commands, std::uint16_t* light, std::ptrdiff_t planeStride) {
+    HWY_DYNAMIC_DISPATCH(Draw)(commands, light, planeStride);
 }
 
-void resolve(std::uint16_t* light, std::ptrdiff_t planeStride, std::size_t count, const ResolveSettings& settings,
-             std::uint8_t* pixels) {
-    HWY_DYNAMIC_DISPATCH(Resolve)(light, planeStride, count, settings, pixels);
+void resolve(const LightBlock& block, const ResolveSettings& settings, std::uint8_t* pixels, std::size_t bytesPerRow) {
+    HWY_DYNAMIC_DISPATCH(Resolve)(block, settings, pixels, bytesPerRow);
 }
 
 } // namespace
 
 const RasterKernels& vectorKernels() {
-    static constexpr RasterKernels kernels{place, blit, resolve};
+    static constexpr RasterKernels kernels{place, draw, resolve};
     return kernels;
 }
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/raster/SpriteAtlas.h"
 #include "engine/time/SparkBatch.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -23,6 +24,25 @@ constexpr int fullLight = 255 * 128;
 /// up.
 constexpr int lightShift = 7;
 
+/// Which sizes of sprites are told apart: steps of an eighth of a pixel below 16 pixels, and of a sixty-fourth of an
+/// octave above. A larger sprite than `largest` is drawn at that size.
+struct SpriteSizes {
+    static constexpr int fineSteps = 128;        ///< Those below 16 pixels.
+    static constexpr int firstOctaveBits = 8384; ///< The bits of 16.0F above the 17 lowest ones.
+    static constexpr float largest = 2048.0F;
+    static constexpr int count = fineSteps + 64 * 7 + 1;
+
+    /// The step nearest to a size in pixels of the longer side, 0 or more.
+    static int stepOf(float size) {
+        if (size < 16.0F) {
+            return static_cast<int>(size * 8.0F + 0.5F);
+        }
+        // The exponent and the six leading bits of the mantissa count the steps; adding half a step rounds.
+        const auto bits = std::bit_cast<std::uint32_t>(std::min(size, largest));
+        return fineSteps + static_cast<int>((bits + (1U << 16U)) >> 17U) - firstOctaveBits;
+    }
+};
+
 /// How a moment is placed on a picture.
 struct PlaceSettings {
     double time = 0.0; ///< The moment, in the layer's own time.
@@ -35,23 +55,33 @@ struct PlaceSettings {
 struct PlacedSparks {
     static constexpr std::size_t capacity = 256;
 
-    std::array<std::int32_t, capacity> x8, y8; ///< Centre in eighths of a pixel, from the picture's top left corner.
-    std::array<float, capacity> size;          ///< Longer side in pixels, 0 or more.
-    std::array<float, capacity> rotation;      ///< Radians.
+    std::array<std::int32_t, capacity> x8, y8;   ///< Centre in eighths of a pixel, from the picture's top left corner.
+    std::array<std::int32_t, capacity> sizeStep; ///< See SpriteSizes.
+    std::array<float, capacity> rotation;        ///< Radians.
     std::array<std::int32_t, capacity> red, green, blue; ///< 0..fullLight.
 };
 
-/// One sprite to be drawn.
+/// A part of one sprite to be drawn into the light of a band.
 struct SparkCommand {
-    std::int32_t x; ///< The pixel that its centre falls into.
-    std::int32_t y;
-    std::uint32_t key; ///< Of the sprite in its atlas.
-    std::uint16_t atlas;
-    std::uint8_t phaseX; ///< Eighths of a pixel from that pixel's corner to the centre.
-    std::uint8_t phaseY;
-    std::int16_t red; ///< 0..fullLight.
+    const std::int16_t* mask; ///< Its first pixel.
+    std::int32_t place;       ///< Where that one goes in the red plane, counted from the band's first pixel.
+    std::uint16_t rows;       ///< At least 1.
+    std::uint16_t width;      ///< Pixels, a multiple of spriteLanes.
+    std::uint16_t stride;     ///< Of the mask's rows.
+    std::int16_t red;         ///< 0..fullLight.
     std::int16_t green;
     std::int16_t blue;
+};
+
+/// Sprites are drawn so many pixels at once.
+constexpr int spriteLanes = 16;
+
+/// The light of some pixels of a band.
+struct LightBlock {
+    std::uint16_t* light = nullptr; ///< Of the first pixel, in the red plane.
+    std::ptrdiff_t planeStride = 0; ///< To the next channel's plane; three of them to the next row.
+    int width = 0;                  ///< Pixels.
+    int rows = 0;
 };
 
 enum class PixelOrder {
@@ -59,7 +89,7 @@ enum class PixelOrder {
     Bgra, ///< Bytes blue, green, red, alpha: the order of most screens.
 };
 
-/// Turns accumulated light of one row into opaque pixels and leaves the light at zero.
+/// How accumulated light turns into opaque pixels.
 struct ResolveSettings {
     std::array<std::uint16_t, 3>
         background{}; ///< Red, green, blue in accumulated units, half a step for rounding included.
@@ -71,14 +101,12 @@ struct RasterKernels {
     void (*place)(const SparkBatch& batch, std::size_t first, std::size_t count, const PlaceSettings& settings,
                   PlacedSparks& out);
 
-    /// Adds one sprite's rows firstRow .. firstRow + rows - 1 to the light at `light` (the sprite's first pixel in the
-    /// red plane of its first drawn row).
-    void (*blit)(const std::int16_t* mask, int stride, int rows, const SparkCommand& tint, std::uint16_t* light,
-                 std::ptrdiff_t planeStride);
+    /// Adds sprites to the light of a band, which begins at `light`.
+    void (*draw)(std::span<const SparkCommand> commands, std::uint16_t* light, std::ptrdiff_t planeStride);
 
-    /// Resolves `count` pixels of a row.
-    void (*resolve)(std::uint16_t* light, std::ptrdiff_t planeStride, std::size_t count,
-                    const ResolveSettings& settings, std::uint8_t* pixels);
+    /// Writes the pixels of a block and takes its light back to zero.
+    void (*resolve)(const LightBlock& block, const ResolveSettings& settings, std::uint8_t* pixels,
+                    std::size_t bytesPerRow);
 };
 
 /// The plain ones: the oracle that the fast ones are tested against.

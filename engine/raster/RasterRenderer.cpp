@@ -31,6 +31,12 @@ std::uint16_t backgroundLight(float channel, float alpha) {
     return static_cast<std::uint16_t>((level << lightShift) + (1 << (lightShift - 1)));
 }
 
+ResolveSettings resolveSettings(const Color& background, PixelOrder order) {
+    return {{backgroundLight(background.red, background.alpha), backgroundLight(background.green, background.alpha),
+             backgroundLight(background.blue, background.alpha)},
+            order};
+}
+
 /// Whether a frame takes less than about half a millisecond.
 bool isSmall(std::span<const SparkBatch> sparks, const RasterRenderer::View& view, const RasterTarget& target) {
     constexpr double mostPixels = 1'500'000.0;
@@ -56,10 +62,18 @@ public:
     LitArea& ownArea() { return m_area; }
 
 private:
+    /// What a thread needs while it draws a band.
+    struct BandMemory {
+        LightBand light;
+        std::vector<std::uint8_t> lit; ///< For each cell of the band.
+    };
+
     void splitIntoChunks(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target);
     std::uint16_t atlasFor(const std::shared_ptr<const SparkImage>& image);
     void placeSparks();
-    void makeMissingSprites();
+    void forgetSprites();
+    bool makeMissingSprites();
+    void gatherLit(int band, std::vector<std::uint8_t>& cells) const;
     void drawBand(int band, const View& view, const RasterTarget& target, LitArea& lit);
     template <typename Task>
     void forEach(std::size_t count, const Task& task) const;
@@ -71,7 +85,7 @@ private:
     TileGrid m_grid;
     bool m_small = false; ///< This frame is not worth waking other threads for.
     LitArea m_area;       ///< For callers that have none.
-    oneapi::tbb::enumerable_thread_specific<LightBand> m_bands;
+    oneapi::tbb::enumerable_thread_specific<BandMemory> m_bands;
 };
 
 template <typename Task>
@@ -88,11 +102,13 @@ void RasterRenderer::Frame::forEach(std::size_t count, const Task& task) const {
 void RasterRenderer::Frame::render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target,
                                    LitArea& lit) {
     m_grid = TileGrid(target.width, target.height);
-    lit.begin(target.width, target.height, TileGrid::tileHeight, view.background);
+    lit.begin(target.width, target.height, view.background);
     splitIntoChunks(sparks, view, target);
     m_small = isSmall(sparks, view, target);
-    placeSparks();
-    makeMissingSprites();
+    forgetSprites();
+    do {
+        placeSparks();
+    } while (makeMissingSprites());
     forEach(static_cast<std::size_t>(m_grid.bands()),
             [&](std::size_t band) { drawBand(static_cast<int>(band), view, target, lit); });
     lit.end();
@@ -145,7 +161,7 @@ void RasterRenderer::Frame::placeSparks() {
     forEach(m_chunkCount, [&](std::size_t i) { m_chunks[i].place(m_kernels, m_grid, m_atlases); });
 }
 
-void RasterRenderer::Frame::makeMissingSprites() {
+void RasterRenderer::Frame::forgetSprites() {
     std::size_t bytes = 0;
     for (const auto& atlas : m_atlases) {
         bytes += atlas->bytes();
@@ -154,10 +170,10 @@ void RasterRenderer::Frame::makeMissingSprites() {
         for (auto& atlas : m_atlases) {
             atlas->clear();
         }
-        for (std::size_t i = 0; i < m_chunkCount; ++i) {
-            m_chunks[i].findMissing(m_atlases);
-        }
     }
+}
+
+bool RasterRenderer::Frame::makeMissingSprites() {
     std::vector<MissingSprite> missing;
     for (std::size_t i = 0; i < m_chunkCount; ++i) {
         const auto& some = m_chunks[i].missing();
@@ -171,27 +187,46 @@ void RasterRenderer::Frame::makeMissingSprites() {
     for (std::size_t i = 0; i < missing.size(); ++i) {
         m_atlases[missing[i].atlas]->install(static_cast<int>(missing[i].key), std::move(made[i]));
     }
+    return !missing.empty();
 }
 
 void RasterRenderer::Frame::drawBand(int band, const View& view, const RasterTarget& target, LitArea& lit) {
-    LightBand& light = m_bands.local();
+    BandMemory& memory = m_bands.local();
     const int top = band * TileGrid::tileHeight;
-    light.begin(target.width, top, std::min(TileGrid::tileHeight, target.height - top));
+    const int rows = std::min(TileGrid::tileHeight, target.height - top);
+    memory.light.begin(target.width, rows);
+    gatherLit(band, memory.lit);
+    const CellGrid& grid = m_grid.cells();
+    const ResolveSettings settings = resolveSettings(view.background, target.order);
     for (int column = 0; column < m_grid.columns(); ++column) {
         for (std::size_t i = 0; i < m_chunkCount; ++i) {
-            for (const SparkCommand& command : m_chunks[i].commandsIn(m_grid.tile(band, column))) {
-                light.draw(m_kernels, *m_atlases[command.atlas]->find(static_cast<int>(command.key)), command);
+            const auto commands = m_chunks[i].commandsIn(m_grid.tile(band, column));
+            if (!commands.empty()) {
+                m_kernels.draw(commands, memory.light.light(), memory.light.planeStride());
             }
         }
     }
-    ResolveSettings settings;
-    const Color& background = view.background;
-    settings.background = {backgroundLight(background.red, background.alpha),
-                           backgroundLight(background.green, background.alpha),
-                           backgroundLight(background.blue, background.alpha)};
-    settings.order = target.order;
-    light.resolve(m_kernels, settings, target.pixels + static_cast<std::size_t>(top) * target.bytesPerRow,
-                  target.bytesPerRow, lit.band(band));
+    for (int y = 0; y < rows; y += CellGrid::cellHeight) {
+        memory.light.resolve(m_kernels, settings,
+                             {y, std::min(CellGrid::cellHeight, rows - y),
+                              grid.row(memory.lit, y / CellGrid::cellHeight), lit.row((top + y) / CellGrid::cellHeight),
+                              target.pixels + static_cast<std::size_t>(top + y) * target.bytesPerRow,
+                              target.bytesPerRow});
+    }
+}
+
+void RasterRenderer::Frame::gatherLit(int band, std::vector<std::uint8_t>& cells) const {
+    const CellGrid& grid = m_grid.cells();
+    const std::size_t first = grid.index(band * TileGrid::tileHeight / CellGrid::cellHeight, 0);
+    const std::size_t end =
+        std::min(grid.index((band + 1) * TileGrid::tileHeight / CellGrid::cellHeight, 0), grid.count());
+    cells.assign(end - first, 0);
+    for (std::size_t i = 0; i < m_chunkCount; ++i) {
+        const std::span<const std::uint8_t> some = m_chunks[i].lit().subspan(first, cells.size());
+        for (std::size_t cell = 0; cell < cells.size(); ++cell) {
+            cells[cell] |= some[cell];
+        }
+    }
 }
 
 RasterTarget RasterTarget::of(ImageBuffer& image) {

@@ -22,6 +22,8 @@ struct RasterTarget {
     int height = 0;
     PixelOrder order = PixelOrder::Rgba;
 
+    friend bool operator==(const RasterTarget&, const RasterTarget&) = default;
+
     /// All of an image buffer, which must outlive the target.
     static RasterTarget of(ImageBuffer& image);
 };

@@ -39,7 +39,7 @@ void place(const SparkBatch& b, std::size_t first, std::size_t count, const Plac
         const float light = alive ? alpha * static_cast<float>(fullLight) : 0.0F;
         out.x8[k] = eighths(x * s.pixelsPerPoint);
         out.y8[k] = eighths(s.pictureHeight - y * s.pixelsPerPoint);
-        out.size[k] = scale * s.imageSizePixels;
+        out.sizeStep[k] = SpriteSizes::stepOf(scale * s.imageSizePixels);
         out.rotation[k] = law.spin * age;
         out.red[k] = tint(unit(b.red[i] + law.colorSpeed.red * age), light);
         out.green[k] = tint(unit(b.green[i] + law.colorSpeed.green * age), light);
@@ -47,42 +47,47 @@ void place(const SparkBatch& b, std::size_t first, std::size_t count, const Plac
     }
 }
 
-void blit(const std::int16_t* mask, int stride, int rows, const SparkCommand& command, std::uint16_t* light,
-          std::ptrdiff_t planeStride) {
-    const std::array<int, 3> tints{command.red, command.green, command.blue};
-    for (int row = 0; row < rows; ++row) {
-        for (const int channelTint : tints) {
-            for (int x = 0; x < stride; ++x) {
-                const int added = (mask[x] * channelTint + (1 << 14)) >> 15;
-                light[x] = static_cast<std::uint16_t>(std::min(light[x] + added, 0xFFFF));
+void draw(std::span<const SparkCommand> commands, std::uint16_t* light, std::ptrdiff_t planeStride) {
+    for (const SparkCommand& command : commands) {
+        const std::int16_t* mask = command.mask;
+        std::uint16_t* out = light + command.place;
+        for (int row = 0; row < command.rows; ++row) {
+            for (const int tint : {command.red, command.green, command.blue}) {
+                for (int x = 0; x < command.width; ++x) {
+                    const int added = (mask[x] * tint + (1 << 14)) >> 15;
+                    out[x] = static_cast<std::uint16_t>(std::min(out[x] + added, 0xFFFF));
+                }
+                out += planeStride;
             }
-            light += planeStride;
+            mask += command.stride;
         }
-        mask += stride;
     }
 }
 
-void resolve(std::uint16_t* light, std::ptrdiff_t planeStride, std::size_t count, const ResolveSettings& settings,
-             std::uint8_t* pixels) {
+void resolve(const LightBlock& block, const ResolveSettings& settings, std::uint8_t* pixels, std::size_t bytesPerRow) {
     const bool swapped = settings.order == PixelOrder::Bgra;
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        std::uint8_t* out = pixels + (swapped ? 2 - channel : channel);
-        for (std::size_t i = 0; i < count; ++i) {
-            const int sum = std::min(light[i] + settings.background[channel], 0xFFFF);
-            out[4 * i] = static_cast<std::uint8_t>(std::min(sum >> lightShift, 255));
-            light[i] = 0;
+    std::uint16_t* light = block.light;
+    for (int row = 0; row < block.rows; ++row) {
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            std::uint8_t* out = pixels + (swapped ? 2 - channel : channel);
+            for (int x = 0; x < block.width; ++x) {
+                const int sum = std::min(light[x] + settings.background[channel], 0xFFFF);
+                out[4 * x] = static_cast<std::uint8_t>(std::min(sum >> lightShift, 255));
+                light[x] = 0;
+            }
+            light += block.planeStride;
         }
-        light += planeStride;
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-        pixels[4 * i + 3] = 255;
+        for (int x = 0; x < block.width; ++x) {
+            pixels[4 * x + 3] = 255;
+        }
+        pixels += bytesPerRow;
     }
 }
 
 } // namespace
 
 const RasterKernels& scalarKernels() {
-    static constexpr RasterKernels kernels{place, blit, resolve};
+    static constexpr RasterKernels kernels{place, draw, resolve};
     return kernels;
 }
 

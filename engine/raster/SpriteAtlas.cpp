@@ -5,8 +5,8 @@
 #include "engine/time/Trigonometry.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
+#include <iterator>
 #include <numbers>
 #include <utility>
 
@@ -14,24 +14,12 @@ namespace starbloom {
 
 namespace {
 
-constexpr int eighthSteps = 128;      // Sizes below 16 pixels.
-constexpr int firstOctaveBits = 8384; // The bits of 16.0F above the 6 leading ones of the mantissa.
-
-int sizeIndex(float size) {
-    if (size < 16.0F) {
-        return static_cast<int>(size * 8.0F + 0.5F);
+constexpr double sizeOfStep(int step) {
+    if (step < SpriteSizes::fineSteps) {
+        return step / 8.0;
     }
-    // The exponent and the six leading bits of the mantissa count the steps; adding half a step rounds.
-    const auto bits = std::bit_cast<std::uint32_t>(std::min(size, SpriteAtlas::largestSize));
-    return eighthSteps + static_cast<int>((bits + (1U << 16U)) >> 17U) - firstOctaveBits;
-}
-
-constexpr double sizeOfIndex(int index) {
-    if (index < eighthSteps) {
-        return index / 8.0;
-    }
-    const int step = index - eighthSteps;
-    return static_cast<double>(1 << (4 + step / 64)) * (1.0 + (step % 64) / 64.0);
+    const int above = step - SpriteSizes::fineSteps;
+    return static_cast<double>(1 << (4 + above / 64)) * (1.0 + (above % 64) / 64.0);
 }
 
 float lightAt(const SparkImage& image, int x, int y) {
@@ -160,54 +148,82 @@ Box lightBox(Canvas& canvas) {
     return box;
 }
 
-constexpr SpriteAtlas::SizeTraits traitsOfIndex(int index) {
-    const double size = sizeOfIndex(index);
-    const int phaseShift = size < 32.0 ? 0 : size < 64.0 ? 1 : size < 128.0 ? 2 : 3;
-    // A turned image can be as long as its diagonal; the rounding up, the phase and the pixel's own extent add one
-    // each.
-    const int reach = static_cast<int>(size * 0.7072) + 3;
-    return {static_cast<float>(size), static_cast<std::int16_t>(reach), static_cast<std::int16_t>(phaseShift)};
+/// How many bits of the finest phase a sprite of that size does not tell apart.
+int phaseShiftFor(double size) {
+    return size < 32.0 ? 0 : size < 64.0 ? 1 : size < 128.0 ? 2 : 3;
+}
+
+/// The brightest pixels of each row and each column of all masks of a set.
+struct Peaks {
+    std::vector<std::int16_t> rows;
+    std::vector<std::int16_t> columns;
+
+    explicit Peaks(const SpriteSet& set)
+        : rows(static_cast<std::size_t>(set.rows))
+        , columns(static_cast<std::size_t>(set.stride)) {
+        for (auto mask = set.masks.begin(); mask != set.masks.end();) {
+            for (std::int16_t& row : rows) {
+                for (std::int16_t& column : columns) {
+                    row = std::max(row, *mask);
+                    column = std::max(column, *mask++);
+                }
+            }
+        }
+    }
+};
+
+/// First and number of the peaks that leave light under a tint of at most `tint`.
+std::pair<int, int> visible(const std::vector<std::int16_t>& peaks, int tint) {
+    const auto leavesLight = [tint](std::int16_t peak) { return peak * tint >= 1 << 14; }; // As the kernels round.
+    const auto first = std::ranges::find_if(peaks, leavesLight);
+    const auto last = std::find_if(peaks.rbegin(), std::make_reverse_iterator(first), leavesLight);
+    return {static_cast<int>(first - peaks.begin()), static_cast<int>(last.base() - first)};
+}
+
+void findBoxes(SpriteSet& set) {
+    const Peaks peaks(set);
+    int tint = (1 << 15) - 1;
+    for (SpriteBox& box : set.boxes) {
+        const auto [firstRow, rows] = visible(peaks.rows, tint);
+        const auto [firstColumn, columns] = visible(peaks.columns, tint);
+        const int width = (columns + spriteLanes - 1) / spriteLanes * spriteLanes;
+        const int column = std::min(firstColumn, set.stride - width); // So that no row is left at its end.
+        box = {static_cast<std::uint32_t>(firstRow * set.stride + column), static_cast<std::int16_t>(set.left + column),
+               static_cast<std::int16_t>(set.top + firstRow), static_cast<std::uint16_t>(width),
+               static_cast<std::uint16_t>(rows)};
+        tint /= 2;
+    }
 }
 
 } // namespace
-
-constinit const std::array<SpriteAtlas::SizeTraits, SpriteAtlas::sizeCount> SpriteAtlas::sizeTraits = [] {
-    std::array<SizeTraits, sizeCount> all{};
-    for (int i = 0; i < sizeCount; ++i) {
-        all[static_cast<std::size_t>(i)] = traitsOfIndex(i);
-    }
-    return all;
-}();
 
 SpriteAtlas::SpriteAtlas(std::shared_ptr<const SparkImage> image)
     : m_image(std::move(image))
     , m_sizeInPoints(static_cast<float>(std::max(m_image->width, m_image->height) / m_image->pixelsPerPoint))
     , m_angles(looksTheSameFromAllSides(*m_image) ? 1 : angleCount)
-    , m_sets(static_cast<std::size_t>(m_angles) * sizeCount) {}
+    , m_sets(static_cast<std::size_t>(m_angles) * SpriteSizes::count) {}
 
-int SpriteAtlas::keyFor(float size, float rotation) const {
-    const int index = sizeIndex(size);
-    if (m_angles == 1) {
-        return index;
-    }
+int SpriteAtlas::angleStep(float rotation) {
     const float turns = rotation * static_cast<float>(0.5 / std::numbers::pi);
     const float turn = turns - std::floor(turns);
-    return (static_cast<int>(turn * angleCount + 0.5F) % angleCount) * sizeCount + index;
+    return static_cast<int>(turn * angleCount + 0.5F) % angleCount;
 }
 
 std::unique_ptr<SpriteSet> SpriteAtlas::make(int key) const {
     auto set = std::make_unique<SpriteSet>();
-    const SizeTraits& traits = traitsOf(key);
-    set->phaseShift = traits.phaseShift;
-    const double size = static_cast<double>(traits.size);
+    const double size = sizeOfStep(key % SpriteSizes::count);
+    set->phaseShift = phaseShiftFor(size);
     if (size == 0.0) {
         return set;
     }
-    const int angle = key / sizeCount;
+    const int angle = key / SpriteSizes::count;
     const SparkImage turned = angle == 0 ? *m_image : rotated(*m_image, angle * 2.0 * std::numbers::pi / angleCount);
     const double zoom = size / std::max(m_image->width, m_image->height);
     const int phases = finestPhases >> set->phaseShift;
-    Canvas canvas = drawAllPhases(turned, turned.width * zoom, turned.height * zoom, traits.reach, phases);
+    // A turned image can be as long as its diagonal; the rounding up, the phase and the pixel's own extent add one
+    // each.
+    const int reach = static_cast<int>(size * 0.7072) + 3;
+    Canvas canvas = drawAllPhases(turned, turned.width * zoom, turned.height * zoom, reach, phases);
     const Box box = lightBox(canvas);
     if (box.right < box.left) {
         return set;
@@ -216,7 +232,7 @@ std::unique_ptr<SpriteSet> SpriteAtlas::make(int key) const {
     set->left = box.left - canvas.reach;
     set->top = box.top - canvas.reach;
     set->rows = box.bottom - box.top + 1;
-    set->stride = (width + SpriteSet::laneMultiple - 1) / SpriteSet::laneMultiple * SpriteSet::laneMultiple;
+    set->stride = (width + spriteLanes - 1) / spriteLanes * spriteLanes;
     set->masks.reserve(static_cast<std::size_t>(phases * phases) * static_cast<std::size_t>(set->rows * set->stride));
     for (int phase = 0; phase < phases * phases; ++phase) {
         for (int y = box.top; y <= box.bottom; ++y) {
@@ -225,6 +241,7 @@ std::unique_ptr<SpriteSet> SpriteAtlas::make(int key) const {
             set->masks.insert(set->masks.end(), static_cast<std::size_t>(set->stride - width), 0);
         }
     }
+    findBoxes(*set);
     return set;
 }
 

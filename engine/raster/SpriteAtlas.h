@@ -2,8 +2,11 @@
 #pragma once
 
 #include "engine/model/SparkImage.h"
+#include "engine/raster/RasterKernels.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -11,10 +14,21 @@
 
 namespace starbloom {
 
+/// The part of the masks of a sprite that a tint makes visible.
+struct SpriteBox {
+    std::uint32_t offset = 0; ///< Of its first pixel in each mask.
+    std::int16_t left = 0;    ///< First column, counted from the pixel that the centre falls into.
+    std::int16_t top = 0;     ///< First row, likewise, downward.
+    std::uint16_t width = 0;  ///< Pixels to be drawn, a multiple of spriteLanes.
+    std::uint16_t rows = 0;   ///< 0: the tint is too faint to leave any light.
+};
+
 /// The spark image drawn at one size and angle, at every sub-pixel position. Masks are 16-bit fixed point: 32767 is all
-/// of the tint. Rows are padded with zeros to a multiple of `laneMultiple` pixels.
+/// of the tint. Rows are padded with zeros to a multiple of spriteLanes.
 struct SpriteSet {
-    static constexpr int laneMultiple = 16;
+    /// So many brightnesses of tints are told apart, each half as bright as the one before: a fainter spark is a
+    /// smaller one, as its rim is rounded to nothing.
+    static constexpr unsigned brightnesses = 8;
 
     int left = 0;       ///< First column, counted from the pixel that the centre falls into.
     int top = 0;        ///< First row, likewise, downward.
@@ -22,6 +36,7 @@ struct SpriteSet {
     int stride = 0;     ///< Pixels per row.
     int phaseShift = 0; ///< How many of the finest phase bits are not told apart.
     std::vector<std::int16_t> masks;
+    std::array<SpriteBox, brightnesses> boxes; ///< The brightest tints first.
 
     /// The mask whose centre lies phaseX / 8 and phaseY / 8 pixels right of and below the corner of its pixel.
     const std::int16_t* mask(unsigned phaseX, unsigned phaseY) const {
@@ -29,21 +44,24 @@ struct SpriteSet {
         const std::size_t index = static_cast<std::size_t>(phaseY >> phaseShift) * perAxis + (phaseX >> phaseShift);
         return masks.data() + index * static_cast<std::size_t>(rows) * static_cast<std::size_t>(stride);
     }
+
+    /// What a tint (1..fullLight in its strongest channel) can make visible of any of the masks.
+    const SpriteBox& box(unsigned tint) const {
+        const auto brightness = static_cast<unsigned>(std::countl_zero(static_cast<std::uint16_t>(tint))) - 1;
+        return boxes[std::min(brightness, brightnesses - 1)];
+    }
 };
 
 /// Ready-made sprites of one image, made when first needed.
 ///
-/// Sizes are told apart in steps of an eighth of a pixel up to 16 pixels, and in steps of a sixty-fourth of an octave
-/// above; positions in eighths of a pixel, more coarsely for sprites so large and soft that it cannot be seen. Angles
-/// are told apart in 64 steps, and not at all for an image that looks the same from all sides. A larger image than
-/// `largestSize` pixels is drawn at that size.
+/// Sizes are told apart as SpriteSizes tells; positions in eighths of a pixel, more coarsely for sprites so large and
+/// soft that it cannot be seen. Angles are told apart in 64 steps, and not at all for an image that looks the same from
+/// all sides.
 ///
 /// Lookups may come from any number of threads; install() and clear() from one thread while there are none.
 class SpriteAtlas {
 public:
     static constexpr int finestPhases = 8; ///< Per pixel and axis.
-    static constexpr float largestSize = 2048.0F;
-    static constexpr int sizeCount = 128 + 64 * 7 + 1;
     static constexpr int angleCount = 64;
 
     explicit SpriteAtlas(std::shared_ptr<const SparkImage> image);
@@ -55,17 +73,10 @@ public:
 
     bool isRotationInvariant() const { return m_angles == 1; }
 
-    /// Which sprite serves a size in pixels (of the longer side) and an angle in radians.
-    int keyFor(float size, float rotation) const;
-
-    /// What follows from a sprite's size alone.
-    struct SizeTraits {
-        float size = 0.0F;           ///< Pixels of the longer side.
-        std::int16_t reach = 0;      ///< How far from its centre's pixel it can reach, in pixels.
-        std::int16_t phaseShift = 0; ///< How many bits of the finest phase it does not tell apart.
-    };
-
-    static const SizeTraits& traitsOf(int key) { return sizeTraits[static_cast<std::size_t>(key % sizeCount)]; }
+    /// Which sprite serves a size, see SpriteSizes, and an angle in radians.
+    int keyFor(int sizeStep, float rotation) const {
+        return m_angles == 1 ? sizeStep : angleStep(rotation) * SpriteSizes::count + sizeStep;
+    }
 
     /// The sprite of a key; null when it has not been made yet.
     const SpriteSet* find(int key) const { return m_sets[static_cast<std::size_t>(key)].get(); }
@@ -81,7 +92,7 @@ public:
     void clear();
 
 private:
-    static const std::array<SizeTraits, sizeCount> sizeTraits;
+    static int angleStep(float rotation);
 
     std::shared_ptr<const SparkImage> m_image;
     float m_sizeInPoints;

@@ -36,6 +36,10 @@ Light lightOf(const SpriteSet& set, unsigned phaseX, unsigned phaseY) {
     return light;
 }
 
+int keyOf(const SpriteAtlas& atlas, float size, float rotation) {
+    return atlas.keyFor(SpriteSizes::stepOf(size), rotation);
+}
+
 double energyOf(const SparkImage& image) {
     return std::accumulate(image.light.begin(), image.light.end(), 0.0);
 }
@@ -46,7 +50,7 @@ TEST(SpriteAtlas, lightIsKeptAtEverySizeAndLiesWhereItShould) {
     EXPECT_EQ(atlas.sizeInPoints(), 12.0F);
     for (const float size :
          {1.5F, 3.0F, 4.75F, 7.25F, 12.0F, 15.875F, 24.0F, 60.0F, 100.0F, 144.0F}) { // all exact steps
-        const auto set = atlas.make(atlas.keyFor(size, 0.3F));
+        const auto set = atlas.make(keyOf(atlas, size, 0.3F));
         const double zoom = static_cast<double>(size) / 48.0;
         const double expected = energyOf(*softSpark()) * zoom * zoom;
         for (unsigned phase = 0; phase < 8; phase += 1U << set->phaseShift) {
@@ -71,7 +75,7 @@ TEST(SpriteAtlas, turningMovesTheLightCounterClockwise) {
     const double radius = size * std::hypot(12.0, 4.0) / 48.0;
     const double start = std::atan2(-4.0, 12.0);
     for (const double angle : {0.0, 0.5, 1.0, 1.5, 0.25, 3.25, -1.75, 0.8125}) { // in units of pi: exact steps
-        const auto set = atlas.make(atlas.keyFor(32.0F, static_cast<float>(angle * std::numbers::pi)));
+        const auto set = atlas.make(keyOf(atlas, 32.0F, static_cast<float>(angle * std::numbers::pi)));
         const Light light = lightOf(*set, 0, 0);
         EXPECT_NEAR(light.x, radius * std::cos(start + angle * std::numbers::pi), 0.05) << angle;
         EXPECT_NEAR(light.y, -radius * std::sin(start + angle * std::numbers::pi), 0.05) << angle;
@@ -81,11 +85,11 @@ TEST(SpriteAtlas, turningMovesTheLightCounterClockwise) {
 
 TEST(SpriteAtlas, keysStandForTheNearestSizeAndAngle) {
     const SpriteAtlas atlas(lopsidedSpark());
-    EXPECT_EQ(atlas.make(atlas.keyFor(0.0F, 1.0F))->rows, 0);
-    EXPECT_EQ(atlas.keyFor(1e30F, 0.0F), atlas.keyFor(SpriteAtlas::largestSize, 0.0F));
-    EXPECT_LT(atlas.keyFor(1e30F, -0.05F), SpriteAtlas::sizeCount * SpriteAtlas::angleCount);
-    EXPECT_EQ(atlas.keyFor(9.0F, 0.01F), atlas.keyFor(9.0F, -0.01F));
-    EXPECT_NE(atlas.keyFor(9.0F, 0.06F), atlas.keyFor(9.0F, -0.06F));
+    EXPECT_EQ(atlas.make(keyOf(atlas, 0.0F, 1.0F))->rows, 0);
+    EXPECT_EQ(keyOf(atlas, 1e30F, 0.0F), keyOf(atlas, SpriteSizes::largest, 0.0F));
+    EXPECT_LT(keyOf(atlas, 1e30F, -0.05F), SpriteSizes::count * SpriteAtlas::angleCount);
+    EXPECT_EQ(keyOf(atlas, 9.0F, 0.01F), keyOf(atlas, 9.0F, -0.01F));
+    EXPECT_NE(keyOf(atlas, 9.0F, 0.06F), keyOf(atlas, 9.0F, -0.06F));
 }
 
 } // namespace

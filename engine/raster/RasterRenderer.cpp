@@ -37,10 +37,10 @@ ResolveSettings resolveSettings(const Color& background, PixelOrder order) {
             order};
 }
 
-/// Whether a frame takes less than about half a millisecond.
+/// Whether a frame takes less than about a millisecond. Waking others costs them more than it saves the caller.
 bool isSmall(std::span<const SparkBatch> sparks, const RasterRenderer::View& view, const RasterTarget& target) {
     constexpr double mostPixels = 1'500'000.0;
-    constexpr double mostSparks = 2'000.0; // Of the usual size at one pixel per point.
+    constexpr double mostSparks = 4'000.0; // Of the usual size at one pixel per point.
     std::size_t count = 0;
     for (const SparkBatch& batch : sparks) {
         count += batch.size();

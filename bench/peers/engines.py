@@ -2,8 +2,8 @@
 """Runs the scene of sparks once in one engine, and tells what a frame took.
 
 A program of its own tells its frames and processor time itself. A page in Chromium tells a server of ours how many
-frames it has drawn, at two moments of the steady state, and the processor time of all of Chromium's processes is read at
-both. What starting takes is in neither.
+frames it has drawn, at two moments of the steady state, and the processor time of all of Chromium's processes is read
+at both. What starting takes is in neither.
 """
 
 import dataclasses
@@ -20,7 +20,7 @@ import tempfile
 import threading
 import time
 
-NAMES = "Starbloom", "Qt Quick Particles", "PixiJS", "canvas 2D", "tsParticles", "bare blit"  # in the order of the tables
+NAMES = "Starbloom", "Qt Quick Particles", "PixiJS", "canvas 2D", "tsParticles", "bare blit"  # as tables have them
 HERE = pathlib.Path(__file__).resolve().parent
 PROGRAM_LIMIT = 60  # seconds, and so many more than its measured window
 PAGE_LIMIT = 180  # the slowest take a second for a frame of 100,000 sparks
@@ -35,6 +35,9 @@ class Scene:
     sparks: int
     width: int
     height: int
+
+    def __str__(self):
+        return f"{self.sparks} sparks at {self.width}x{self.height}"
 
 
 @dataclasses.dataclass
@@ -61,7 +64,7 @@ def processor_seconds(root):
         process = pending.pop()
         pending += children.get(process, [])
         try:
-            total += time.clock_gettime(~process << 3 | 2)  # the clock of another process' running time, see clock_getcpuclockid
+            total += time.clock_gettime(~process << 3 | 2)  # as clock_getcpuclockid() numbers the clocks of processes
         except OSError:
             continue
     return total
@@ -71,18 +74,26 @@ def run_program(name, command, screen, scene, seconds, wants_picture):
     """A program that prints its figures as one line of JSON, on that screen."""
     with tempfile.TemporaryDirectory() as home:
         picture = pathlib.Path(home) / "picture.ppm"
-        arguments = ["--sparks", str(scene.sparks), "--size", f"{scene.width}x{scene.height}", "--seconds", str(seconds)]
+        arguments = ["--sparks", str(scene.sparks), "--size", f"{scene.width}x{scene.height}",
+                     "--seconds", str(seconds)]
         if wants_picture:
             arguments += ["--picture", str(picture)]
-        environment = dict(os.environ, DISPLAY=screen, QT_QPA_PLATFORM="xcb", XDG_RUNTIME_DIR=home, XDG_CONFIG_HOME=home,
-                           XDG_CACHE_HOME=home, QSG_RENDER_LOOP="basic", LIBGL_ALWAYS_SOFTWARE="1")
+        environment = dict(os.environ, DISPLAY=screen, QT_QPA_PLATFORM="xcb", XDG_RUNTIME_DIR=home,
+                           XDG_CONFIG_HOME=home, XDG_CACHE_HOME=home, QSG_RENDER_LOOP="basic",
+                           QSG_FIXED_ANIMATION_STEP="1", LIBGL_ALWAYS_SOFTWARE="1")
         try:
             done = subprocess.run([*command, *arguments], env=environment, capture_output=True, text=True,
                                   timeout=PROGRAM_LIMIT + seconds)
             figures = json.loads(done.stdout)
-            return Figures(figures["fps"], figures["cpu_ms_per_frame"], read_ppm(picture) if wants_picture else None)
-        except (subprocess.TimeoutExpired, json.JSONDecodeError, OSError) as error:
-            raise Failure(f"{name}: {scene}: {error}") from None
+        except subprocess.TimeoutExpired as error:
+            raise Failure(f"{name}, {scene}: not done after {error.timeout} s") from None
+        except json.JSONDecodeError:
+            raise Failure(f"{name}, {scene}: {last_line(done.stderr)}") from None
+        return Figures(figures["fps"], figures["cpu_ms_per_frame"], read_ppm(picture) if wants_picture else None)
+
+
+def last_line(text):
+    return (text.strip().splitlines() or ["ended without a word"])[-1]
 
 
 def read_ppm(path):
@@ -123,42 +134,68 @@ class Server(http.server.ThreadingHTTPServer):
         pass  # a browser that is ended leaves its connections
 
 
-def run_page(name, engine, server, scene, seconds, wants_picture):
-    """A page of web/ in a Chromium that is started for it."""
-    messages = queue.Queue()
-    query = f"engine=/web/{engine}.js&sparks={scene.sparks}&width={scene.width}&height={scene.height}&seconds={seconds}"
-    if wants_picture:
-        query += "&picture"
-    with tempfile.TemporaryDirectory() as home:
+class Browser:
+    """Chromium with one page, until it is closed. What the page tells waits in line, with the processor time so far."""
+
+    def __init__(self, server, query, size):
+        self.home = tempfile.mkdtemp()
+        self.errors = tempfile.TemporaryFile(mode="w+")
+        self.messages = queue.Queue()
+        server.told = self.told
         command = [
             # Of what there is without a graphics processor these are cheapest, for WebGL as well as for canvases.
-            "chromium", "--headless", "--disable-gpu", "--enable-unsafe-swiftshader", "--disable-quic", "--no-first-run", "--disable-background-networking",
-            "--disable-component-update", "--disable-sync", "--disable-extensions", "--hide-scrollbars",
-            "--force-device-scale-factor=1", f"--window-size={scene.width},{scene.height + 200}", f"--user-data-dir={home}",
-            *(["--no-sandbox"] if os.geteuid() == 0 else []),
+            "chromium", "--headless", "--disable-gpu", "--enable-unsafe-swiftshader",
+            "--disable-quic", "--no-first-run", "--disable-background-networking", "--disable-component-update",
+            "--disable-sync", "--disable-extensions", "--hide-scrollbars", "--force-device-scale-factor=1",
+            f"--window-size={size[0]},{size[1] + 200}",  # the bars of a browser are a part of its window
+            f"--user-data-dir={self.home}", *(["--no-sandbox"] if os.geteuid() == 0 else []),
             f"http://127.0.0.1:{server.server_address[1]}/web/page.html?{query}"]
-        browser = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
-        server.told = lambda path, body: messages.put(
-            (path, body, processor_seconds(browser.pid) if path == "/mark" else 0.0, time.monotonic()))
+        self.process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=self.errors,
+                                        start_new_session=True)
 
-        def expect(kind):
-            path, body, *moment = messages.get(timeout=PAGE_LIMIT)
-            if path != kind:
-                raise Failure(f"{name}: {path} {body[:300].decode(errors='replace')}")
-            return body, *moment
+    def told(self, path, body):
+        used = processor_seconds(self.process.pid) if path == "/mark" else 0.0
+        self.messages.put((path, body, used, time.monotonic()))
 
+    def expect(self, wanted):
+        """What the page tells next, which is to be of that kind."""
+        limit = time.monotonic() + PAGE_LIMIT
+        while time.monotonic() < limit:
+            try:
+                path, *message = self.messages.get(timeout=1)
+            except queue.Empty:
+                if self.process.poll() is not None:
+                    self.errors.seek(0)
+                    raise Failure(f"Chromium ended: {last_line(self.errors.read())}") from None
+                continue
+            if path != wanted:
+                raise Failure(f"the page told {path} {message[0][:300].decode(errors='replace')}")
+            return message
+        raise Failure(f"nothing heard from the page in {PAGE_LIMIT} s")
+
+    def close(self):
         try:
-            begin_frames, begin_cpu, begin = expect("/mark")
-            end_frames, end_cpu, end = expect("/mark")
-            picture = without_alpha(expect("/picture")[0]) if wants_picture else None
-        except queue.Empty:
-            raise Failure(f"{name}: {scene}: nothing heard from the page in {PAGE_LIMIT} s") from None
-        finally:
-            os.killpg(browser.pid, signal.SIGKILL)
-            browser.wait()
-            time.sleep(0.2)  # its last processes still write into the folder
-            shutil.rmtree(home, ignore_errors=True)
-            os.makedirs(home, exist_ok=True)
+            os.killpg(self.process.pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+        self.process.wait()
+        self.errors.close()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+
+def run_page(name, engine, server, scene, seconds, wants_picture):
+    """A page of web/ in a Chromium that is started for it."""
+    query = (f"engine=/web/{engine}.js&sparks={scene.sparks}&width={scene.width}&height={scene.height}"
+             f"&seconds={seconds}{'&picture' if wants_picture else ''}")
+    browser = Browser(server, query, (scene.width, scene.height))
+    try:
+        begin_frames, begin_cpu, begin = browser.expect("/mark")
+        end_frames, end_cpu, end = browser.expect("/mark")
+        picture = without_alpha(browser.expect("/picture")[0]) if wants_picture else None
+    except Failure as failure:
+        raise Failure(f"{name}, {scene}: {failure}") from None
+    finally:
+        browser.close()
     frames = int(end_frames) - int(begin_frames)
     return Figures(frames / (end - begin), 1000.0 * (end_cpu - begin_cpu) / frames, picture)
 
@@ -180,6 +217,7 @@ def all_engines(stage_bench, qtquick_bench, packages, screen):
     def page(name, engine):
         return functools.partial(run_page, name, engine, server)
 
-    runs = (program("Starbloom", stage_bench), program("Qt Quick Particles", qtquick_bench), page("PixiJS", "pixi"),
-            page("canvas 2D", "canvas"), page("tsParticles", "tsparticles"), program("bare blit", stage_bench, "--bare"))
-    return dict(zip(NAMES, runs))
+    stage = program("Starbloom", stage_bench)
+    limit = program("bare blit", stage_bench, "--bare")
+    pages = page("PixiJS", "pixi"), page("canvas 2D", "canvas"), page("tsParticles", "tsparticles")
+    return dict(zip(NAMES, (stage, program("Qt Quick Particles", qtquick_bench), *pages, limit)))

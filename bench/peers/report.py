@@ -62,8 +62,14 @@ def tables(found, sizes, counts, engines):
     return "\n".join(lines)
 
 
+def limits(values):
+    """1, 2 or 5 times a power of ten, around all values."""
+    steps = [factor * 10.0**power for power in range(-5, 7) for factor in (1, 2, 5)]
+    return max(step for step in steps if step < min(values)), min(step for step in steps if step > max(values))
+
+
 def decades(lowest, highest):
-    return [10.0**power for power in range(math.floor(math.log10(lowest)), math.ceil(math.log10(highest)) + 1)]
+    return [10.0**power for power in range(math.ceil(math.log10(lowest)), math.floor(math.log10(highest)) + 1)]
 
 
 def apart(wanted, gap):
@@ -84,7 +90,7 @@ class Plot:
         self.counts = counts
         self.lines = lines  # milliseconds of each count, by engine
         values = [value for line in lines.values() for value in line]
-        self.ticks = decades(min(values), max(values))
+        self.lowest, self.highest = limits(values)
         self.parts = [
             f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {HEIGHT}" width="{WIDTH}" height="{HEIGHT}" '
             'font-family="system-ui, sans-serif" font-size="13">',
@@ -100,7 +106,7 @@ class Plot:
         return LEFT + (math.log(count) - low) / (high - low) * (RIGHT - LEFT)
 
     def y(self, value):
-        low, high = math.log(self.ticks[0]), math.log(self.ticks[-1])
+        low, high = math.log(self.lowest), math.log(self.highest)
         return BOTTOM - (math.log(value) - low) / (high - low) * (BOTTOM - TOP)
 
     def text(self, x, y, anchor, color, text, more=""):
@@ -108,7 +114,7 @@ class Plot:
                           f"{html.escape(text)}</text>")
 
     def draw_axes(self):
-        for value in self.ticks:
+        for value in decades(self.lowest, self.highest):
             self.parts.append(f'<path d="M{LEFT} {self.y(value):.1f}H{RIGHT}" stroke="#e7e5e4"/>')
             self.text(LEFT - 10, self.y(value) + 4, "end", "#57534e", f"{value:,g}" if value < 1 else f"{value:,.0f}")
         for count in self.counts:
@@ -116,9 +122,11 @@ class Plot:
             self.text(self.x(count), BOTTOM + 20, "middle", "#57534e", f"{count:,}")
         self.text((LEFT + RIGHT) / 2, BOTTOM + 40, "middle", "#57534e", "sparks")
         core = 1000.0 / 60.0
-        if self.ticks[0] < core < self.ticks[-1]:
-            self.parts.append(f'<path d="M{LEFT} {self.y(core):.1f}H{RIGHT}" stroke="#a8a29e" stroke-dasharray="2 4"/>')
-            self.text(LEFT + 6, self.y(core) - 5, "start", "#78716c", "one core at 60 frames per second", ' font-size="11"')
+        if self.lowest < core < self.highest:
+            self.parts.append(f'<path d="M{LEFT} {self.y(core):.1f}H{RIGHT}" stroke="#a8a29e" '
+                              'stroke-dasharray="2 4"/>')
+            self.text(RIGHT - 6, self.y(core) - 6, "end", "#78716c", "one core at 60 frames per second",
+                      ' font-size="11"')
 
     def draw_lines(self):
         for engine, values in self.lines.items():
@@ -128,15 +136,16 @@ class Plot:
             self.parts.append(f'<polyline points="{points}" fill="none" stroke="{COLORS[engine]}" '
                               f'stroke-width="{thickness}" stroke-linejoin="round"{dashes}/>')
             for count, value in zip(self.counts, values):
-                self.parts.append(f'<circle cx="{self.x(count):.1f}" cy="{self.y(value):.1f}" r="{thickness + 0.7:.1f}" '
-                                  f'fill="{COLORS[engine]}"/>')
+                self.parts.append(f'<circle cx="{self.x(count):.1f}" cy="{self.y(value):.1f}" '
+                                  f'r="{thickness + 0.7:.1f}" fill="{COLORS[engine]}"/>')
 
     def draw_names(self):
         order = sorted(self.lines, key=lambda engine: self.y(self.lines[engine][-1]))
         heights = apart([self.y(self.lines[engine][-1]) for engine in order], 18)
         for engine, height in zip(order, heights):
             weight = ' font-weight="700"' if engine == OURS else ""
-            self.text(RIGHT + 14, height + 4, "start", "#78716c" if engine == "bare blit" else COLORS[engine], engine, weight)
+            color = "#78716c" if engine == "bare blit" else COLORS[engine]
+            self.text(RIGHT + 14, height + 4, "start", color, engine, weight)
 
     def svg(self):
         self.draw_axes()
@@ -146,4 +155,5 @@ class Plot:
 
 
 def plot(found, size, counts, engines):
-    return Plot(size, counts, {engine: [middle(found[engine, count, *size]) for count in counts] for engine in engines}).svg()
+    lines = {engine: [middle(found[engine, count, *size]) for count in counts] for engine in engines}
+    return Plot(size, counts, lines).svg()

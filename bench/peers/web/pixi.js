@@ -8,7 +8,7 @@ import { Scene, colors, glow, height, makeCanvas, play, sparks, width } from "/w
 const scene = new Scene();
 const canvas = makeCanvas();
 const renderer = new WebGLRenderer();
-await renderer.init({ canvas, width, height, antialias: false, backgroundColor: "black", preserveDrawingBuffer: false });
+await renderer.init({ canvas, width, height, antialias: false, backgroundColor: "black" });
 
 const texture = Texture.from(glow([255, 255, 255]));
 const container = new ParticleContainer({

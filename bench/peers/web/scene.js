@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// What the pages share: the scene, the picture of a spark, and the measurement. A page draws in play()'s callback, which
-// is called once in each animation frame; every frame is a sixtieth of a second of the scene, however long it takes.
+// What the pages share: the scene, the picture of a spark, and the measurement. A page draws in play()'s callback,
+// which is called once in each animation frame; every frame is a sixtieth of a second of the scene, however long it
+// takes.
 
 const query = new URLSearchParams(location.search);
 

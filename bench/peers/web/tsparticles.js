@@ -14,7 +14,7 @@ import { loadImageShape } from "@tsparticles/shape-image";
 import { loadSizeUpdater } from "@tsparticles/updater-size";
 import { colors, fastest, frameStep, glow, gravity, height, lifetime, play, side, sparks, width } from "/web/scene.js";
 
-/** A life begun again places a spark within a square as wide as the picture, and goes on with the old motion and light. */
+/** By itself a life begun again lies in a square as wide as the picture, and goes on with the old motion and light. */
 class Rebirth {
     init() {}
     isEnabled() {
@@ -47,14 +47,15 @@ await tsParticles.pluginManager.register(async (engine) => {
 
 const images = colors.map((color, i) => ({ name: `glow ${i}`, src: glow(color).toDataURL() }));
 
-// Called by the engine for its next frame, which play() then draws.
+// The engine's own requests for frames are kept for play().
 let nextFrame = () => {};
 let time = 0;
-const { requestAnimationFrame: request } = window;
-window.requestAnimationFrame = (call) => {
+const { requestAnimationFrame } = window;
+function keepFrame(call) {
     nextFrame = call;
     return 0;
-};
+}
+window.requestAnimationFrame = keepFrame;
 
 const place = document.createElement("div");
 place.style.width = `${width}px`;
@@ -83,15 +84,21 @@ const container = await tsParticles.load({
             },
             opacity: {
                 value: { min: 0, max: 1 },
-                animation: { enable: true, speed: 100 / 60 / lifetime, startValue: "max", mode: "decrease", sync: true },
+                animation: {
+                    enable: true,
+                    speed: 100 / 60 / lifetime, // percent of a frame
+                    startValue: "max",
+                    mode: "decrease",
+                    sync: true,
+                },
             },
-            paint: { color: { value: "rgb(255, 255, 255)" }, fill: { enable: false } }, // it draws nothing without a colour
+            paint: { color: { value: "rgb(255, 255, 255)" }, fill: { enable: false } }, // needs one to draw
             shape: { type: "image", close: false, options: { image: images } },
             size: { value: side / 2 },
         },
     },
 });
-window.requestAnimationFrame = request;
+window.requestAnimationFrame = requestAnimationFrame;
 const canvas = container.canvas.render.draw((context) => context.canvas); // an OffscreenCanvas
 
 for (const particle of container.particles.filter(() => true)) {
@@ -101,12 +108,8 @@ for (const particle of container.particles.filter(() => true)) {
 }
 
 play(canvas, () => {
-    // The engine asks for its next frame within this one.
-    window.requestAnimationFrame = (call) => {
-        nextFrame = call;
-        return 0;
-    };
+    window.requestAnimationFrame = keepFrame;
     time += 1000 * frameStep;
     nextFrame(time);
-    window.requestAnimationFrame = request;
+    window.requestAnimationFrame = requestAnimationFrame;
 });

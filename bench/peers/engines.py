@@ -151,7 +151,7 @@ class Browser:
             f"--user-data-dir={self.home}", *(["--no-sandbox"] if os.geteuid() == 0 else []),
             f"http://127.0.0.1:{server.server_address[1]}/web/page.html?{query}"]
         self.process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=self.errors,
-                                        start_new_session=True)
+                                        start_new_session=True, env=dict(os.environ, TMPDIR=self.home))
 
     def told(self, path, body):
         used = processor_seconds(self.process.pid) if path == "/mark" else 0.0
@@ -174,11 +174,14 @@ class Browser:
         raise Failure(f"nothing heard from the page in {PAGE_LIMIT} s")
 
     def close(self):
+        limit = time.monotonic() + 5
         try:
-            os.killpg(self.process.pid, signal.SIGKILL)
+            while time.monotonic() < limit:  # until its last process is gone and writes no more
+                os.killpg(self.process.pid, signal.SIGKILL)
+                self.process.poll()
+                time.sleep(0.05)
         except ProcessLookupError:
             pass
-        self.process.wait()
         self.errors.close()
         shutil.rmtree(self.home, ignore_errors=True)
 

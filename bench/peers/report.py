@@ -54,7 +54,7 @@ def tables(found, sizes, counts, engines):
                 if engine not in (OURS, "bare blit"):
                     ratios = [f"{middle(found[engine, count, *size]) / ours[count]:.1f}" for count in counts]
                     lines.append(f"| *{engine}, times Starbloom* | {' | '.join(ratios)} | |")
-        lines += ["", "Frames per second, of 60:", ""]
+        lines += ["", "Frames per second:", ""]
         played = [engine for engine in engines if engine != "bare blit"]
         lines += table(found, size, counts, played,
                        lambda rounds: number(statistics.median(f.frames_per_second for f in rounds)))

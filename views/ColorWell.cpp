@@ -55,7 +55,8 @@ void ColorWell::changeEvent(QEvent* event) {
 
 bool ColorWell::eventFilter(QObject* watched, QEvent* event) {
     // In the dialog's spectrum every hue of black is black: whoever picks one there wants to see it.
-    if (watched != window() && event->type() == QEvent::MouseButtonPress && m_dialog->currentColor().value() == 0) {
+    if (event->type() == QEvent::MouseButtonPress && watched != window() && m_dialog != nullptr &&
+        m_dialog->currentColor().value() == 0) {
         m_dialog->setCurrentColor(Qt::white);
     }
     // A window that is minimised is hidden by the system: then the dialog stays.
@@ -74,8 +75,11 @@ void ColorWell::openDialog() {
         m_dialog->setModal(false);
         connect(m_dialog, &QColorDialog::currentColorChanged, this, &ColorWell::pick);
         connect(m_dialog, &QDialog::rejected, this, [this, openedWith = m_color] { pick(openedWith); });
-        // It is deleted a little later than it closes.
-        connect(m_dialog, &QDialog::finished, this, [this] { m_dialog = nullptr; });
+        // It is deleted a little later than it closes, and a click that was on its way then counts no more.
+        connect(m_dialog, &QDialog::finished, this, [this] {
+            m_dialog->disconnect(this);
+            m_dialog = nullptr;
+        });
         window()->installEventFilter(this);
         for (auto* part : m_dialog->findChildren<QWidget*>()) {
             if (QByteArray(part->metaObject()->className()).endsWith("QColorPicker")) {

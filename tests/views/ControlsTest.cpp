@@ -12,6 +12,7 @@
 #include <QColorDialog>
 #include <QFile>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QSignalSpy>
@@ -127,6 +128,14 @@ TEST(ColorWell, ShowsTheChoiceLiveAndCancellingTakesItBack) {
     EXPECT_EQ(well->color(), QColor(Qt::blue));
     ASSERT_EQ(picked.count(), 2);
     EXPECT_EQ(picked.last().first().value<QColor>(), QColor(Qt::blue));
+
+    // A click into its spectrum was on its way when it closed.
+    for (QWidget* part : dialog->findChildren<QWidget*>()) {
+        QMouseEvent press(QEvent::MouseButtonPress, QPointF(1.0, 1.0), QPointF(1.0, 1.0), Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(part, &press);
+    }
+    EXPECT_EQ(picked.count(), 2);
 
     well->click(); // At once, before the old dialog has been deleted.
     dialog = window.findChildren<QColorDialog*>().last();

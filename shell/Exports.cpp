@@ -128,6 +128,10 @@ std::optional<std::filesystem::path> Exports::movieFolder() const {
 }
 
 void Exports::savePicture() {
+    if (!m_folder.shown()) {
+        // The folder was not there at the launch and is now, else the command would be disabled: a disk was plugged in.
+        m_folder.loadSharedFolder();
+    }
     const auto folder = m_folder.shown();
     if (!folder) {
         return;

@@ -5,6 +5,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "views/ParameterSlider.h"
 
+#include <QAction>
 #include <QGuiApplication>
 #include <QPushButton>
 #include <QScreen>
@@ -118,6 +119,23 @@ TEST_F(RestartTest, AWindowOnAScreenThatIsGoneIsBroughtBackAndItsPlaceKept) {
     EXPECT_TRUE(app->window().geometry().intersects(QGuiApplication::primaryScreen()->geometry()));
     EXPECT_EQ(app->window().size(), QSize(700, 500));
     EXPECT_EQ(storedNow().windowValue(2), "5000");
+}
+
+TEST_F(RestartTest, AFolderForExportsThatIsThereAgainIsUsed) {
+    const auto folder = home / "disk";
+    const AppFolder files(home.path());
+    files.createAppFolder();
+    saveSharedFolder(files.filePath3(), folder);
+    start();
+    const auto& exportPicture = *app->window().findChild<QAction*>(QStringLiteral("fileExport"));
+    EXPECT_FALSE(exportPicture.isEnabled());
+    std::filesystem::create_directory(folder);
+    for (int i = 0; i < 2; ++i) {
+        app->window().findChild<QAction*>(QStringLiteral("emitterAnimation"))->trigger();
+    }
+    ASSERT_TRUE(exportPicture.isEnabled());
+    app->window().findChild<QAction*>(QStringLiteral("fileExport"))->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(folder / "Picture.png"); }, 20000));
 }
 
 TEST_F(RestartTest, StartsWithoutAnyPlaceToKeepFiles) {

@@ -36,6 +36,21 @@ std::filesystem::path folderOf(const std::filesystem::path& target) {
     return parent.empty() ? std::filesystem::path(".") : parent;
 }
 
+/// 0, or the error's number.
+int writeAll(int descriptor, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const auto written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            return errno;
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
 /// Where a chain of symbolic links ends, even when nothing is there; the target itself where that cannot be told.
 std::filesystem::path endOfLinks(const std::filesystem::path& target) {
     constexpr int longestChain = 40; // As the system has it.
@@ -152,17 +167,8 @@ PendingFile::~PendingFile() {
 
 Result<void> PendingFile::write(std::span<const std::byte> bytes) {
     m_isSynced = false;
-    while (!bytes.empty()) {
-        const auto written = ::write(m_descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written < 0) {
-            return failure(errno);
-        }
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-    return {};
+    const int error = writeAll(m_descriptor, bytes);
+    return error == 0 ? Result<void>() : failure(error);
 }
 
 Result<void> PendingFile::commit() {
@@ -229,8 +235,66 @@ Result<void> writeFile(const std::filesystem::path& target, std::span<const std:
     return file.value().commit();
 }
 
-Result<std::filesystem::path> writeNewFile(const std::function<std::filesystem::path(int)>& candidate,
-                                           std::span<const std::byte> bytes) {
+namespace {
+
+using Candidate = std::function<std::filesystem::path(int)>;
+
+/// A file without a name: the system takes it back when the program ends before it has got one.
+class NamelessFile {
+public:
+    explicit NamelessFile(const std::filesystem::path& folder)
+        : m_descriptor(::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666)) {}
+
+    ~NamelessFile() {
+        if (m_descriptor >= 0) {
+            ::close(m_descriptor);
+        }
+    }
+
+    NamelessFile(const NamelessFile&) = delete;
+    NamelessFile& operator=(const NamelessFile&) = delete;
+
+    bool exists() const { return m_descriptor >= 0; }
+
+    /// All of them, down to the disk. 0, or the error's number.
+    int write(std::span<const std::byte> bytes) const {
+        const int error = writeAll(m_descriptor, bytes);
+        return error != 0 || ::fsync(m_descriptor) == 0 ? error : errno;
+    }
+
+    /// Likewise.
+    int takeName(const std::filesystem::path& path) const {
+        const std::string self = "/proc/self/fd/" + std::to_string(m_descriptor);
+        return ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+    }
+
+private:
+    int m_descriptor;
+};
+
+/// Nothing where the file system has no such files, or something else is wrong that the other way can tell.
+Result<std::optional<std::filesystem::path>> writeNameless(const Candidate& candidate,
+                                                           std::span<const std::byte> bytes) {
+    const NamelessFile file(folderOf(candidate(0)));
+    if (!file.exists()) {
+        return std::optional<std::filesystem::path>();
+    }
+    if (const int error = file.write(bytes); error != 0) {
+        return cannotWrite(candidate(0), reason(error));
+    }
+    int error = EEXIST;
+    for (int n = 0; error == EEXIST; ++n) {
+        auto path = candidate(n);
+        error = file.takeName(path);
+        if (error == 0) {
+            syncFolder(folderOf(path));
+            return std::optional(std::move(path));
+        }
+    }
+    return std::optional<std::filesystem::path>();
+}
+
+Result<std::filesystem::path> writeHidden(const Candidate& candidate, std::span<const std::byte> bytes) {
     auto file = PendingFile::createBeside(candidate(0));
     if (!file) {
         return file.error();
@@ -248,6 +312,17 @@ Result<std::filesystem::path> writeNewFile(const std::function<std::filesystem::
             return path;
         }
     }
+}
+
+} // namespace
+
+Result<std::filesystem::path> writeNewFile(const std::function<std::filesystem::path(int)>& candidate,
+                                           std::span<const std::byte> bytes) {
+    auto written = writeNameless(candidate, bytes);
+    if (!written) {
+        return written.error();
+    }
+    return written.value() ? Result<std::filesystem::path>(*written.value()) : writeHidden(candidate, bytes);
 }
 
 } // namespace starbloom

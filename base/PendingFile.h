@@ -73,7 +73,8 @@ private:
 Result<void> writeFile(const std::filesystem::path& target, std::span<const std::byte> bytes);
 
 /// Writes a whole file at once under the first name that is free, and replaces nothing. `candidate` gives the names to
-/// try, all in one folder, for 0, 1, 2 and so on; the result is the one that it became.
+/// try, all in one folder, for 0, 1, 2 and so on; the result is the one that it became. Where the file system can keep
+/// a file without a name, a program that is killed meanwhile leaves nothing, not even a hidden file.
 Result<std::filesystem::path> writeNewFile(const std::function<std::filesystem::path(int)>& candidate,
                                            std::span<const std::byte> bytes);
 

@@ -16,7 +16,7 @@
 #include <unistd.h>
 #include <utility>
 
-// These two stand in for the system's, so that a test can be on a file system that lacks them.
+// These stand in for the system's, so that a test can be on a file system that lacks them.
 namespace {
 
 int missingCalls = 0;
@@ -25,12 +25,18 @@ int missingCalls = 0;
 
 extern "C" int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
     errno = EINVAL;
-    return missingCalls > 0 ? -1 : static_cast<int>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+    return missingCalls > 1 ? -1 : static_cast<int>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
 }
 
 extern "C" int link(const char* from, const char* to) noexcept {
     errno = EPERM;
-    return missingCalls > 1 ? -1 : ::linkat(AT_FDCWD, from, AT_FDCWD, to, 0);
+    return missingCalls > 2 ? -1 : ::linkat(AT_FDCWD, from, AT_FDCWD, to, 0);
+}
+
+extern "C" int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
+    errno = ENOENT; // As where there is no /proc to find the file by.
+    const bool isMissing = missingCalls > 0 && (flags & AT_SYMLINK_FOLLOW) != 0;
+    return isMissing ? -1 : static_cast<int>(::syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
 }
 
 namespace starbloom {
@@ -163,14 +169,22 @@ TEST_F(PendingFileTest, fullDiskLeavesTheOldFile) {
 TEST_F(PendingFileTest, aNewFileTakesTheFirstFreeNameAndReplacesNothing) {
     std::filesystem::create_directory(folder / "1");
     std::filesystem::create_symlink("nowhere", folder / "2");
-    const auto candidate = [&](int n) { return n == 0 ? target : folder / std::to_string(n); };
-    for (missingCalls = 0; missingCalls < 3; ++missingCalls) {
+    auto present = folder.entryCount();
+    const auto candidate = [&](int n) {
+        // Nothing that a kill would leave behind, where the system has all that it takes.
+        EXPECT_TRUE(missingCalls > 0 || folder.entryCount() == present);
+        return n == 0 ? target : folder / std::to_string(n);
+    };
+    for (missingCalls = 0; missingCalls < 4; ++missingCalls) {
         const auto written = writeNewFile(candidate, bytesOf("new"));
         ASSERT_TRUE(written) << written.error().message;
         EXPECT_EQ(written.value(), folder / std::to_string(3 + missingCalls));
         EXPECT_EQ(readFile(written.value()), "new");
         EXPECT_EQ(readFile(target), "old");
         EXPECT_EQ(folder.entryCount(), 4 + missingCalls);
+        present = folder.entryCount();
+        const FileSizeLimit limit(4096);
+        EXPECT_FALSE(writeNewFile(candidate, bytesOf(std::string(5000, 'x'))));
         EXPECT_FALSE(writeNewFile([&](int) { return folder / std::string(256, 'n'); }, bytesOf("x")));
         EXPECT_EQ(folder.entryCount(), 4 + missingCalls);
     }

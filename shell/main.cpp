@@ -24,6 +24,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -107,6 +108,22 @@ starbloom::AppFolder applicationFolder() {
     return starbloom::AppFolder(dataHome ? dataHome.value() : std::filesystem::path());
 }
 
+/// Does what needs no toolkit while that connects to the window system: the fonts for the first text, the stores, and
+/// the library of tasks, which looks at the processor when it is first used. What fails here fails again, and is told
+/// of, where it is needed.
+void prepare(starbloom::Stores* stores) {
+    try {
+        FcInit();
+        if (stores != nullptr) {
+            stores->prepare();
+        }
+        starbloom::spark();
+        const starbloom::RasterRenderer firstUse;
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -115,17 +132,11 @@ int main(int argc, char** argv) {
         return refuse(argc, argv);
     }
     starbloom::sendLogToCategories();
-    // What needs no toolkit, while that connects to the window system: the fonts for the first text, the stores, and
-    // the library of tasks, which looks at the processor when it is first used.
+    usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     const starbloom::AppFolder folder = applicationFolder();
     starbloom::Stores stores(folder);
-    std::jthread preparation([&stores] {
-        FcInit();
-        stores.prepare();
-        starbloom::spark();
-        const starbloom::RasterRenderer firstUse;
-    });
-    usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
+    // With arguments it may be that only the version is asked for.
+    std::jthread preparation(&prepare, argc == 1 ? &stores : nullptr);
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
     preparation.join(); // What follows may end the program.

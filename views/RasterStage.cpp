@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 
 namespace starbloom {
 
@@ -122,10 +123,17 @@ bool RasterStage::present(const StageMoment& moment) {
                m_pixelsPerPoint);
     }
     store->endPaint();
-    if (fits) {
-        store->flush(changedPoints().translated(place.topLeft()) & place, m_widget.window()->windowHandle());
+    if (!fits) {
+        // What was there may have been cleared.
+        m_memoryLasts = memory != nullptr;
+        m_lit.forget();
+        return false;
     }
-    return fits;
+    // Between whole scale factors an edge of the stage may lie within a point; all of that is to be shown.
+    const int rim = m_pixelsPerPoint == std::floor(m_pixelsPerPoint) ? 0 : 1;
+    const QRect shown = place.adjusted(-rim, -rim, rim, rim) & m_widget.window()->rect();
+    store->flush(changedPoints().translated(place.topLeft()) & shown, m_widget.window()->windowHandle());
+    return true;
 }
 
 QRegion RasterStage::render(const StageMoment& moment) {

@@ -36,7 +36,7 @@ public:
     /// The screen may show anything now; all of it is painted next.
     void forgetPlace() { m_placedSize = QSize(); }
 
-    /// Draws a moment in the window's memory and shows what has changed. False when it cannot, and nothing was done:
+    /// Draws a moment in the window's memory and shows what has changed. False when it cannot, and nothing is shown:
     /// where the stage lies is not known yet, a part of it is out of sight, or something is painted above it. Only
     /// while the stage can be seen.
     bool present(const StageMoment& moment);

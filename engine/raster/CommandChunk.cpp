@@ -98,19 +98,19 @@ void CommandChunk::append(const Sprite& sprite, const TileGrid& grid) {
     const int first = std::max(sprite.top, 0);
     const int end = std::min(sprite.top + sprite.rows, grid.height());
     const int band = first / TileGrid::tileHeight;
-    const int bandEnd = (band + 1) * TileGrid::tileHeight;
+    const int firstEnd = std::min((band + 1) * TileGrid::tileHeight, end);
     const auto place = [&](SparkCommand& command, int row, int rowInBand, int rows) {
         command = sprite.command;
         command.mask += static_cast<std::ptrdiff_t>(row - sprite.top) * sprite.command.stride;
         command.place += static_cast<std::int32_t>(rowInBand * 3 * grid.planeStride());
         command.rows = static_cast<std::uint16_t>(rows);
     };
-    place(m_commands[m_count], first, first % TileGrid::tileHeight, std::min(end, bandEnd) - first);
-    place(m_commands[m_count + 1], bandEnd, 0, end - bandEnd);
+    place(m_commands[m_count], first, first % TileGrid::tileHeight, firstEnd - first);
+    place(m_commands[m_count + 1], firstEnd, 0, end - firstEnd);
     const auto tile = static_cast<std::uint32_t>(grid.tile(band, sprite.column));
     m_tiles[m_count] = tile;
     m_tiles[m_count + 1] = tile + static_cast<std::uint32_t>(grid.columns());
-    m_count += end > bandEnd ? 2 : 1;
+    m_count += end > firstEnd ? 2 : 1;
     markLit(sprite, grid);
 }
 

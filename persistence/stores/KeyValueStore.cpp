@@ -131,7 +131,10 @@ KeyValueStore::KeyValueStore(std::filesystem::path file, const StoreDefinition& 
 
 void KeyValueStore::prepare() {
     if (fileExists(m_file)) {
-        keep(read(false));
+        // A journal is for openCreate(), which may change the file.
+        if (stateOf(m_file)) {
+            keep(read(Effort::WithoutWaiting));
+        }
     } else if (auto image = storeImage(m_definition)) {
         m_image = std::move(image.value());
     }
@@ -214,7 +217,7 @@ void KeyValueStore::save(const std::string& value, const std::string& key) const
     }
 }
 
-KeyValueStore::Reading KeyValueStore::read(bool pastDamage) const {
+KeyValueStore::Reading KeyValueStore::read(Effort effort) const {
     Reading reading;
     reading.values.resize(m_definition.rows.size());
     reading.file = stateOf(m_file);
@@ -227,7 +230,10 @@ KeyValueStore::Reading KeyValueStore::read(bool pastDamage) const {
     if (!database) {
         return failed(database.code(), database.message());
     }
-    if (pastDamage) {
+    if (effort == Effort::WithoutWaiting) {
+        database.doNotWait();
+    }
+    if (effort == Effort::PastDamage) {
         // With these SQLite reads a file that ends early, or has a damaged page, as far as it goes. Nothing is written
         // in this mode.
         database.execute("PRAGMA writable_schema=ON; PRAGMA cell_size_check=OFF");
@@ -251,9 +257,9 @@ KeyValueStore::Reading KeyValueStore::read(bool pastDamage) const {
 
 /// Reads once more where the file is damaged, for what can be kept of it.
 KeyValueStore::Reading KeyValueStore::readThoroughly() const {
-    Reading reading = read(false);
+    Reading reading = read(Effort::Usual);
     if (reading.code == SQLITE_CORRUPT) {
-        Reading second = read(true);
+        Reading second = read(Effort::PastDamage);
         if (second.missing() < reading.missing()) {
             reading.values = std::move(second.values);
         }

@@ -27,8 +27,8 @@ public:
 /// One small database file with one table of keys and values, both text.
 ///
 /// The file is opened, used and closed within each operation, so several programs can share it and a crash at any other
-/// time cannot harm it. Used from one thread. The definition has to outlive the store. Failures are logged with the
-/// file and the reason; save() alone can throw.
+/// time cannot harm it. Used from one thread at a time. The definition has to outlive the store. Failures are logged
+/// with the file and the reason; save() alone can throw.
 ///
 /// The file's content is not trusted:
 /// - Rows are found by their keys and not by their order, because positions are what the rest of the program relies on:
@@ -41,9 +41,9 @@ class KeyValueStore {
 public:
     KeyValueStore(std::filesystem::path file, const StoreDefinition& definition);
 
-    /// Does what openCreate() can do beforehand: reads the file, or works out the one to be made. Changes nothing on
-    /// the disk, so that any thread may do it while the store is not in use. What it read counts only while nobody has
-    /// written to the file.
+    /// Does what openCreate() can do beforehand: reads the file, or works out the one to be made. Any thread may do it
+    /// while the store is not in use: it changes nothing on the disk, and leaves a file alone that is locked or that
+    /// SQLite would first have to repair. What it read counts only while nobody has written to the file.
     void prepare();
 
     /// For the launch: makes the file with its default rows if it does not exist (see createStoreFile()), replaces one
@@ -53,7 +53,7 @@ public:
 
     /// The value of each key, in the order of the definition's rows. Nothing when the file or its table cannot be read;
     /// if only the reading of its later rows fails, those have their default values. Changes nothing. While nobody has
-    /// written to the file since then, it is not read again.
+    /// written to the file since prepare() or openCreate() read it, it is not read again.
     std::optional<std::vector<std::string>> readAll() const;
 
     /// Writes one value. A key that has no row changes nothing and reports nothing. A file that cannot be opened, one
@@ -66,8 +66,9 @@ public:
     const StoreDefinition& definition() const { return m_definition; }
 
 private:
+    enum class Effort { WithoutWaiting, Usual, PastDamage };
     struct Reading;
-    Reading read(bool pastDamage) const;
+    Reading read(Effort effort) const;
     Reading readThoroughly() const;
     std::shared_ptr<const Reading> keptReading() const;
     void keep(Reading reading);

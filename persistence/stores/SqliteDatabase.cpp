@@ -106,6 +106,10 @@ SqliteStatement SqliteDatabase::prepare(const std::string& statement) {
     return SqliteStatement(handle);
 }
 
+void SqliteDatabase::doNotWait() {
+    sqlite().setBusyTimeout(m_handle.get(), 0);
+}
+
 bool SqliteDatabase::execute(const std::string& statement) {
     return sqlite().execute(m_handle.get(), statement.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }

@@ -61,6 +61,9 @@ public:
 
     explicit operator bool() const { return m_handle != nullptr; }
 
+    /// A file that another program has locked fails at once.
+    void doNotWait();
+
     /// Prepares the first statement of the text.
     SqliteStatement prepare(const std::string& statement);
 

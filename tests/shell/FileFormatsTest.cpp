@@ -54,6 +54,7 @@ TEST(FileFormats, AreWhatTheDocumentSaysOfAFolderThatWasWorkedIn) {
     const auto trigger = [&](const char* name) { find<QAction>(app, name).trigger(); };
     ASSERT_TRUE(QTest::qWaitFor([&] { return app.window().findChild<StageView*>()->renderedFrames() > 0; }));
 
+    trigger("showsettingsToolbar");
     QTest::keyClick(&find<ParameterSlider>(app, "rocketVelocitySlider"), Qt::Key_Home);
     press("saveButton6");
     around.panel.answer = out;

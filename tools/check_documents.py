@@ -3,7 +3,7 @@
 """Compares the documents with the tree that they tell of.
 
 Every link, anchor and picture leads somewhere, each picture and page is used, ARCHITECTURE.md names only what there is and
-every folder at the top, pages for users quote the program's own words, the list of dependencies is that of the packages, and
+every folder at the top and those of the core, pages for users quote the program's own words, the list of dependencies is that of the packages, and
 the pages that the program opens can be made. Says what is wrong, one line each.
 """
 
@@ -105,6 +105,10 @@ def check_architecture(files):
     for folder in sorted({each.parts[0] for each in files if len(each.parts) > 1}):
         if not re.search(rf"`{re.escape(folder)}/", text):
             problem(page, f"does not name the folder {folder}/")
+    for folder in sorted({"/".join(each.parts[:2]) for each in files if len(each.parts) > 2
+                          and each.parts[0] in {"engine", "export", "persistence"}}):
+        if f"| `{folder}/` |" not in text:
+            problem(page, f"has no row for the folder {folder}/")
 
 
 def check_words():
@@ -142,6 +146,9 @@ def check_help_pages():
         answers = dict(line.split(" ", 1) for line in made.stdout.splitlines())
         if opened != set(answers):
             problem("tools/make-help-pages", f"makes {sorted(answers)}, and the program opens {sorted(opened)}")
+        for page in pathlib.Path(site).rglob("*.*"):
+            if page.suffix in {".html", ".php"} and "**" in re.sub(r"<(code|pre)>.*?</\1>", "", page.read_text(), flags=re.S):
+                problem(page.name, "has asterisks where something should be bold")
         for page in (pathlib.Path(each) for each in answers.values()):
             for link in re.findall(r"(?:src|href)=\"([^\"#:]+)[\"#]", page.read_text()):
                 if not (page.parent / link).exists():

@@ -2,6 +2,7 @@
 #include "engine/panel/ParameterTable.h"
 #include "shell/Commands.h"
 #include "tests/support/TemporaryFolder.h"
+#include "views/ParameterSlider.h"
 #include "views/Texts.h"
 
 #include <QKeySequence>
@@ -55,11 +56,15 @@ TEST(UserGuide, HasEverySliderWithItsRange) {
                               : name.startsWith(u's') ? QStringLiteral("settingsGroupSparkle")
                                                       : QStringLiteral("settingsGroupAnimation");
         const auto number = [](float value) { return QLocale::c().toString(static_cast<double>(value)); };
-        expected += QStringLiteral("%1 | %2 | `%3` %4 to %5 (%6)")
-                        .arg(textOf(group.toUtf8().constData()), textOf((name.toUtf8() + "Title").constData()), name,
+        const auto shown = [&row](float position) {
+            return ParameterSlider::text(row, position).replace(QChar(QChar::Nbsp), u' ');
+        };
+        expected += QStringLiteral("%1 | %2 | %3 to %4 (%5) | `%6` %7 to %8 (%9)")
+                        .arg(textOf(group.toUtf8().constData()), textOf((name.toUtf8() + "Title").constData()),
+                             shown(row.minimum), shown(row.maximum), shown(static_cast<float>(row.resetPosition)), name,
                              number(row.minimum), number(row.maximum), QString::number(row.resetPosition));
     }
-    EXPECT_EQ(rowsBelow(QStringLiteral("The sliders"), 3).join(u'\n').toStdString(),
+    EXPECT_EQ(rowsBelow(QStringLiteral("The sliders"), 4).join(u'\n').toStdString(),
               expected.join(u'\n').toStdString());
 }
 

@@ -3,6 +3,7 @@
 
 #include "base/Log.h"
 #include "persistence/stores/KeyValueStore.h"
+#include "shell/ModalPlace.h"
 
 #include <QMessageBox>
 
@@ -35,7 +36,7 @@ void Application::tell(const std::runtime_error& failure) {
     box->setObjectName(QStringLiteral("storeFailure"));
     box->setInformativeText(QString::fromUtf8(failure.what()));
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
+    openModal(*box);
 }
 
 } // namespace starbloom

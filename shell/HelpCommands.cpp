@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/HelpCommands.h"
 
+#include "shell/ModalPlace.h"
+
 #include <QCoreApplication>
 #include <QMessageBox>
 #include <QPushButton>
@@ -40,7 +42,7 @@ void HelpCommands::ask(const QString& name, const QString& question, void (HelpC
     box->setEscapeButton(cancel); // The close box's, too.
     connect(box, &QMessageBox::finished, this,
             [this, box, yes, ended] { (this->*ended)(box->clickedButton() == yes ? firstButton : secondButton); });
-    box->open();
+    openModal(*box);
 }
 
 void HelpCommands::endOfAlert10(int code) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/ModalPlace.h"
 
+#include <QDialog>
 #include <QLayout>
 #include <QScreen>
 #include <QWidget>
@@ -33,6 +34,11 @@ void placeBelowTop(QWidget& window, const QWidget& mainWindow, int distance) {
     // The title bar has to stay on the screen, too; the main window's is as high.
     const int titleBar = main.top() - mainWindow.frameGeometry().top();
     window.setGeometry(onScreen(centred, mainWindow.screen()->availableGeometry().adjusted(0, titleBar, 0, 0)));
+}
+
+void openModal(QDialog& dialog) {
+    dialog.setWindowModality(Qt::ApplicationModal);
+    dialog.show();
 }
 
 } // namespace starbloom

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+class QDialog;
 class QWidget;
 
 namespace starbloom {
@@ -9,5 +10,10 @@ namespace starbloom {
 /// window's, and moved as far as it takes to have all of it on the screen. It keeps its size; one that has none yet
 /// gets the one that it asks for. Where the desktop places windows by itself, it does. GUI thread.
 void placeBelowTop(QWidget& window, const QWidget& mainWindow, int distance = 30);
+
+/// Shows a dialog that is to be answered before anything else. It blocks the whole application, as a sheet of the main
+/// window does anyhow: all windows are that one's companions. But a sheet that opens while a companion has the keys
+/// would lose them: the toolkit then hands them to the main window, which it blocks. GUI thread.
+void openModal(QDialog& dialog);
 
 } // namespace starbloom

@@ -4,6 +4,7 @@
 #include "base/PendingFile.h"
 #include "engine/panel/FireworksController.h"
 #include "export/movie/MemoryCheck.h"
+#include "shell/ModalPlace.h"
 #include "shell/MovieWindow.h"
 #include "views/StageView.h"
 
@@ -66,7 +67,7 @@ void MovieCommand::exportMovie1() {
                             QMessageBox::Ok, &m_settings);
         box->setObjectName(QStringLiteral("movieTooLarge"));
         box->setAttribute(Qt::WA_DeleteOnClose);
-        box->open();
+        openModal(*box);
         return;
     }
     m_frameLimit = verdict.frameLimit;

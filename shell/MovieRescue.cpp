@@ -2,6 +2,7 @@
 #include "shell/MovieRescue.h"
 
 #include "persistence/files/SharedFolder.h"
+#include "shell/ModalPlace.h"
 
 #include <QMessageBox>
 #include <QPushButton>
@@ -68,7 +69,7 @@ void MovieRescue::ask(const UnfinishedMovie& movie) {
             offer();
         }
     });
-    box->open();
+    openModal(*box);
 }
 
 void MovieRescue::rescue(const UnfinishedMovie& movie) {

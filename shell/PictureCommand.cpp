@@ -2,6 +2,7 @@
 #include "shell/PictureCommand.h"
 
 #include "base/Log.h"
+#include "shell/ModalPlace.h"
 
 #include <QMessageBox>
 #include <QPushButton>
@@ -58,7 +59,7 @@ void PictureCommand::offerAnotherFolder(const Shared& request, const QString& wh
             emit failed(why);
         }
     });
-    box->open();
+    openModal(*box);
 }
 
 void PictureCommand::askForFolder(const Shared& request, const QString& why) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/Printing.h"
 
+#include "shell/ModalPlace.h"
+
 #include <QCoreApplication>
 #include <QMessageBox>
 #include <QPointer>
@@ -39,9 +41,8 @@ void Printing::tellImpossible() {
     box->setObjectName(QStringLiteral("printAlert"));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole); // The same in all languages.
-    box->setWindowModality(Qt::ApplicationModal);
     connect(box, &QMessageBox::finished, this, [this] { m_menus.loadMenuStatus(); });
-    box->show();
+    openModal(*box);
 }
 
 } // namespace starbloom

@@ -46,7 +46,9 @@ private:
         panel->setAttribute(Qt::WA_DeleteOnClose);
         QObject::connect(panel, &QDialog::accepted, std::move(accepted));
         QObject::connect(panel, &QDialog::finished, std::move(finished));
-        panel->open();
+        // Not as a sheet: see openModal().
+        panel->setWindowModality(Qt::ApplicationModal);
+        panel->show();
     }
 
     void setTopMargin() {

@@ -276,7 +276,7 @@ TEST_F(MenuCommandsTest, HelpAsksFirstAndGivesTheMenusBackWhateverTheAnswer) {
             action(item).trigger();
             auto* box = alert(name);
             ASSERT_NE(box, nullptr) << name;
-            EXPECT_EQ(box->windowModality(), Qt::WindowModal);
+            EXPECT_EQ(box->windowModality(), Qt::ApplicationModal);
             EXPECT_EQ(box->icon(), QMessageBox::Warning);
             EXPECT_EQ(box->text(), textOf(question));
             EXPECT_TRUE(box->informativeText().isEmpty());

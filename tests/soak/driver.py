@@ -158,7 +158,17 @@ class Driver:
     def click_control(self, name, count=1):
         main = self.main()
         if main:
-            self.screen.click(*self.place(main, name), count=count)
+            x, y = self.place(main, name)
+            self.uncover(x, y)
+            self.screen.click(x, y, count=count)
+
+    def uncover(self, x, y):
+        """The companions stay above the main window; what covers this point is closed."""
+        for each in self.windows():
+            covers = each.x - 8 <= x <= each.x + each.width + 8 and each.y - 32 <= y <= each.y + each.height + 8
+            if each.title in COMPANIONS and covers:
+                self.screen.close(each.xid)
+                self.comes(lambda gone=each.xid: gone not in [window.xid for window in self.windows()], 5)
 
     @staticmethod
     def place(main, name):
@@ -217,9 +227,15 @@ class Driver:
             raise Finding("does not answer\n" + self.program.stacks())
 
     def check_kept(self):
-        complaints = keepsakes.stores(self.home.data, self.home.robbed) + keepsakes.lists(self.home.data)
+        complaints = keepsakes.stores(self.home.data, self.home.robbed) + keepsakes.lists(self.home.data, self.home.spoiled)
         if complaints:
             raise Finding("kept files: " + "; ".join(complaints))
+
+    def check_opened(self):
+        """It wanted to open nothing but its pages and what lies in its folders."""
+        for line in self.home.opened.read_text().splitlines():
+            if not line.startswith(("https://", f"file://{self.home.work}")):
+                raise Finding(f"wanted to open {line!r}")
 
     def check_no_temporaries(self):
         def left():

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Looks at what the program leaves on the disk: its stores, its property lists, exported pictures and movies, and
 hidden files that should be gone. Each function gives a list of complaints, empty when all is well."""
+import contextlib
 import pathlib
 import plistlib
 import re
@@ -9,7 +10,7 @@ import sqlite3
 import subprocess
 import tempfile
 
-# File, table, and how many rows there are of which number in the key's name, for keys with a first number.
+# File, table and the keys of its rows.
 STORES = (("Data0.data", "Windows", [f"{side}{n}" for n in range(5) for side in ("Width", "Height", "Left", "Top")]),
           ("Data1.data", "Preferences", [f"Value{n:02}" for n in range(99)]),
           ("Data2.data", "General", [f"Value{n:02}" for n in range(1, 25)]))
@@ -20,41 +21,44 @@ LEAST_WIDTH, LEAST_HEIGHT = 480, 320
 
 
 def stores(data, robbed):
-    """Each store is a sound database with its table and the rows of a first launch, in their order. The files named in
-    `robbed` lack a row, and the program is not to mend that."""
+    """Each store is a sound database with its table and the rows of a first launch, in their order. `robbed` has the
+    inodes of those that the monkey changed such that nobody is to mend them: a row less, or a folder in the place."""
     complaints = []
     for name, table, keys in STORES:
         file = data / name
-        with tempfile.TemporaryDirectory() as copy:
-            try:
-                for each in data.glob(name + "*"):
-                    if each.is_file() and ".damaged-" not in each.name:
-                        shutil.copy(each, copy)
-                if not file.is_file():
-                    complaints.append(f"{name} is missing")
-                    continue
-                with sqlite3.connect(pathlib.Path(copy, name)) as database:
-                    sound = database.execute("pragma integrity_check").fetchall()
-                    if sound != [("ok",)]:
-                        complaints.append(f"{name}: {sound[:3]}")
-                    found = [row[0] for row in database.execute(f"select field from {table} order by ID")]
-                    values = [row[0] for row in database.execute(f"select value from {table}")]
-                database.close()
-            except (OSError, sqlite3.Error) as failure:
-                complaints.append(f"{name}: {failure}")
-                continue
-            if found != keys and not (name in robbed and found == [each for each in keys if each in found]):
-                complaints.append(f"{name}: {len(found)} rows, expected {len(keys)} with their usual keys")
-            if any(value is None for value in values):
-                complaints.append(f"{name}: a value is NULL")
+        if not file.exists():
+            complaints.append(f"{name} is missing")
+        elif file.stat().st_ino != robbed.get(name):
+            complaints += [f"{name}: {each}" for each in _store(file, table, keys)]
     return complaints
 
 
-def lists(data):
+def _store(file, table, keys):
+    with tempfile.TemporaryDirectory() as copy:
+        try:
+            for each in file.parent.glob(file.name + "*"):  # With its journal.
+                if each.is_file() and ".damaged-" not in each.name:
+                    shutil.copy(each, copy)
+            with contextlib.closing(sqlite3.connect(pathlib.Path(copy, file.name))) as database:
+                sound = database.execute("pragma integrity_check").fetchall()
+                rows = database.execute(f"select field, value from {table} order by ID").fetchall()
+        except (OSError, sqlite3.Error) as failure:
+            return [str(failure)]
+    complaints = [] if sound == [("ok",)] else [str(sound[:3])]
+    if [row[0] for row in rows] != keys:
+        complaints.append(f"{len(rows)} rows, expected {len(keys)} with their usual keys")
+    if any(row[1] is None for row in rows):
+        complaints.append("a value is NULL")
+    return complaints
+
+
+def lists(data, spoiled):
+    """Property lists that can be read. `spoiled` holds what the monkey made of some; one that nothing was saved to since
+    stays like that."""
     complaints = []
     for name in LISTS:
         file = data / name
-        if file.is_file():
+        if file.is_file() and file.read_bytes() != spoiled.get(name):
             try:
                 plistlib.loads(file.read_bytes())
             except Exception as failure:  # The reader raises many kinds.

@@ -35,7 +35,8 @@ class Home:
         self.hostile = self.work / "hostile"
         self.reports = self.work / "reports"
         self.opened = self.work / "opened"
-        self.robbed = set()  # Stores that the monkey took a row from.
+        self.robbed = {}  # Stores that the monkey changed the rows of, with their inodes.
+        self.spoiled = {}  # What it made of other files.
         for folder in (self.data_home, self.documents, self.pictures, self.small, self.hostile, self.reports,
                        self.work / "bin", self.work / "tmp", self.work / "run"):
             folder.mkdir(parents=True, exist_ok=True)
@@ -57,6 +58,7 @@ class Home:
     def clear(self):
         """As for a person who never had the program."""
         self.robbed.clear()
+        self.spoiled.clear()
         for folder in (self.data_home, *self.export_folders()):
             self.make_usable(folder)
             for entry in folder.iterdir():

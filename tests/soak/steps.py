@@ -534,6 +534,7 @@ def damage(home, rng):
     elif how == "noise":
         content = noise
     file.write_bytes(content)
+    home.spoiled[file.name] = bytes(content)
     if how in ("gone", "folder"):
         file.unlink()
     if how == "folder":
@@ -544,8 +545,8 @@ def damage(home, rng):
                 with sqlite3.connect(file) as database:
                     database.execute(f"delete from {table} where ID = 3" if how == "row" else f"drop table {table}")
                 database.close()
-                if how == "row":
-                    home.robbed.add(file.name)
+    if how in ("row", "bytes", "folder"):
+        home.robbed[file.name] = file.stat().st_ino
     if how == "stale":
         (data / ".starbloom.1999999-0.part").write_bytes(noise)
     return f"{how} {file.name}"

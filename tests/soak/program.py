@@ -52,6 +52,9 @@ class Home:
     def _mount(folder, size):
         subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={size},mode=755", "none", folder], check=True)
 
+    def close(self):
+        subprocess.run(["umount", "--lazy", self.data_home, self.small], check=False)
+
     def export_folders(self):
         return [self.pictures, self.documents, self.small]
 

@@ -125,7 +125,8 @@ TEST_F(StoreFixture, whatWasPreparedCountsUntilSomebodyWrites) {
     EXPECT_THAT(runSql(app.filePath1(), "PRAGMA integrity_check"), ElementsAre("ok"));
     EXPECT_EQ(runSql(app.filePath1(), preferencesDefinition().select).size(), 99U);
 
-    std::filesystem::last_write_time(app.filePath2(), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    std::filesystem::last_write_time(app.filePath2(),
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
     Stores second(app);
     second.prepare();
     runSql(app.filePath2(), "update General set value='1' where field='Value02'");

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/StageSizeFields.h"
 
+#include "shell/Commands.h"
 #include "shell/ValidField.h"
 #include "views/StageView.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QRegularExpression>
 
@@ -40,7 +42,18 @@ StageSizeFields::StageSizeFields(QLineEdit& width, QLineEdit& height, DelayedCal
     , m_calls(calls) {
     for (QLineEdit* field : {&m_width, &m_height}) {
         connect(field, &QLineEdit::textEdited, this, [this, field] { controlTextDidChange(*field); });
+        field->installEventFilter(this);
     }
+}
+
+bool StageSizeFields::eventFilter(QObject* watched, QEvent* event) {
+    // The key of the export command is the end of the line to a text field, as in a terminal; End is as near.
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent*>(event)->keyCombination() == row(Command::FileExport).shortcut) {
+        event->ignore();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 bool StageSizeFields::validateWidth() const {

@@ -33,6 +33,8 @@ public:
     /// The stage has another size. A field that is being typed in follows when the window has come to rest.
     void showSize(const QSize& stage);
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 signals:
     /// Both fields hold a valid size, and the user has just changed one of them.
     void sizeTyped(const QSize& stage);

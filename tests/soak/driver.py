@@ -135,7 +135,8 @@ class Driver:
     def _describe(self):
         lines = [f"{each.xid:#x} {each.title!r} {each.width}x{each.height}+{each.x}+{each.y}"
                  f"{' popup' if each.popup else ''}{' modal' if each.modal else ''}" for each in self.windows()]
-        return "windows: " + "; ".join(lines) + f"; active {self.screen.active_window():#x}, keys go to {self.screen.key_window():#x}"
+        active, keys = self.screen.active_window(), self.screen.key_window()
+        return "windows: " + "; ".join(lines) + f"; active {active:#x}, keys go to {keys:#x}"
 
     def focus(self, window):
         if self.screen.active_window() != window.xid:
@@ -144,10 +145,14 @@ class Driver:
 
     def focus_main(self):
         main = self.main()
+        for _ in range(5):
+            if main is None:
+                self.screen.restore(self.main_xid)
+                self.screen.activate(self.main_xid)
+                self.comes(self.main, PATIENCE / 5)
+                main = self.main()
         if main is None:
-            self.screen.restore(self.main_xid)
-            self.screen.activate(self.main_xid)
-            main = self.wait_for(self.main, "the main window comes back")
+            raise Finding(f"the main window does not come back\n{self._describe()}")
         self.focus(main)
         return main
 
@@ -227,7 +232,8 @@ class Driver:
             raise Finding("does not answer\n" + self.program.stacks())
 
     def check_kept(self):
-        complaints = keepsakes.stores(self.home.data, self.home.robbed) + keepsakes.lists(self.home.data, self.home.spoiled)
+        home = self.home
+        complaints = keepsakes.stores(home.data, home.robbed) + keepsakes.lists(home.data, home.spoiled)
         if complaints:
             raise Finding("kept files: " + "; ".join(complaints))
 

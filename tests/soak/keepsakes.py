@@ -53,8 +53,8 @@ def _store(file, table, keys):
 
 
 def lists(data, spoiled):
-    """Property lists that can be read. `spoiled` holds what the monkey made of some; one that nothing was saved to since
-    stays like that."""
+    """Property lists that can be read. `spoiled` holds what the monkey made of some; one that nothing was saved to
+    since stays like that."""
     complaints = []
     for name in LISTS:
         file = data / name

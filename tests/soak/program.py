@@ -78,8 +78,9 @@ class Home:
         path.chmod(0o755 if path.is_dir() else 0o644)
 
     def environment(self, display, settings):
-        own = {"HOME": self.work / "home", "XDG_DATA_HOME": self.data_home, "XDG_CONFIG_HOME": self.work / "home/config",
-               "XDG_CACHE_HOME": self.work / "home/cache", "XDG_RUNTIME_DIR": self.work / "run",
+        own = {"HOME": self.work / "home", "XDG_DATA_HOME": self.data_home,
+               "XDG_CONFIG_HOME": self.work / "home/config", "XDG_CACHE_HOME": self.work / "home/cache",
+               "XDG_RUNTIME_DIR": self.work / "run",
                "TMPDIR": self.work / "tmp", "DISPLAY": display, "LANG": "C.UTF-8",
                "PATH": f"{self.work / 'bin'}:/usr/bin:/bin", "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent",
                "QT_QPA_PLATFORM": "xcb"}
@@ -98,13 +99,13 @@ class Program:
         common = f"log_path={home.reports / 'report'}:exitcode={SANITIZER_EXIT}"
         settings = dict(settings)
         # A small quarantine: what is freed may not hide that memory grows.
-        settings["ASAN_OPTIONS"] = f"{common}:halt_on_error=1:detect_leaks=1:quarantine_size_mb=16:detect_odr_violation=0"
+        settings["ASAN_OPTIONS"] = f"{common}:halt_on_error=1:detect_leaks=1:quarantine_size_mb=16"
         settings["UBSAN_OPTIONS"] = f"{common}:halt_on_error=1:print_stacktrace=1"
         settings["LSAN_OPTIONS"] = f"suppressions={suppressions}:print_suppressions=0"
         info_read, info_write = os.pipe()
         box = ["bwrap", "--ro-bind", "/", "/", "--dev-bind", "/dev", "/dev", "--proc", "/proc", "--bind", home.work,
-               home.work, "--unshare-net", "--cap-drop", "ALL", "--die-with-parent", "--info-fd", str(info_write), "--chdir", home.work,
-               binary]
+               home.work, "--unshare-net", "--cap-drop", "ALL", "--die-with-parent", "--info-fd", str(info_write),
+               "--chdir", home.work, binary]
         with open(self.log, "ab") as log:
             self.process = subprocess.Popen([str(each) for each in box], pass_fds=[info_write], stdout=log, stderr=log,
                                             env=home.environment(display, settings), stdin=subprocess.DEVNULL,

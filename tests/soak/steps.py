@@ -11,7 +11,7 @@ import zlib
 from dataclasses import dataclass
 
 import keepsakes
-from driver import (COMPANIONS, PANELS, PATIENCE, PICTURE_SETTINGS, PRESET_BUTTONS, PROGRESS, RESCUE, REST,
+from driver import (COMPANIONS, PANELS, PATIENCE, PICTURE_SETTINGS, PRESET_BUTTONS, PROGRESS, RESCUE,
                     SLIDER_ENDS, SLIDER_ROWS, Finding)
 
 SHORTCUTS = ("ctrl+comma", "ctrl+shift+q", "ctrl+o", "ctrl+e", "ctrl+shift+e", "ctrl+shift+p", "ctrl+p", "ctrl+z",
@@ -208,7 +208,8 @@ def use_preferences(driver, rng):
 
 @step(3)
 def leaf_through_tour(driver, rng):
-    keys = [rng.choice(("alt+n", "alt+n", "alt+n", "alt+b", "alt+d", "Right", "Left")) for _ in range(rng.randint(1, 16))]
+    choices = ("alt+n", "alt+n", "alt+n", "alt+b", "alt+d", "Right", "Left")
+    keys = [rng.choice(choices) for _ in range(rng.randint(1, 16))]
     driver.settle()
     driver.focus_main()
     driver.key("ctrl+shift+q")
@@ -252,7 +253,8 @@ def open_help(driver, rng):
 
 @step(3)
 def print_something(driver, rng):
-    keys, clicks = rng.choice(("ctrl+p", "ctrl+shift+p")), [(rng.random(), rng.random()) for _ in range(rng.randint(0, 3))]
+    keys = rng.choice(("ctrl+p", "ctrl+shift+p"))
+    clicks = [(rng.random(), rng.random()) for _ in range(rng.randint(0, 3))]
     driver.settle()
     driver.focus_main()
     driver.key(keys)
@@ -389,7 +391,8 @@ def record_and_abort(driver, rng):
 
 @step(2)
 def leave_movie_settings(driver, rng):
-    keys = [rng.choice(("alt+l", "alt+s", "alt+f", "Tab", "Down", "Up", "alt+e", "alt+r")) for _ in range(rng.randint(1, 9))]
+    choices = ("alt+l", "alt+s", "alt+f", "Tab", "Down", "Up", "alt+e", "alt+r")
+    keys = [rng.choice(choices) for _ in range(rng.randint(1, 9))]
     last = rng.choice(("Escape", "alt+n", "alt+c"))
     driver.settle()
     driver.focus_main()
@@ -416,7 +419,8 @@ def open_file(driver, rng):
 
 
 HOSTILE = ("", "short.png", "large.png", "good.png", "tiny.png", "noise.jpg", "noise.gif", "noise.tif", "noise.jp2",
-           "noise.bmp", "noise.pdf", "noise.psd", "empty.png", "pipe.png", "folder.png", "loop.png", "gone.png", "text.xyz")
+           "noise.bmp", "noise.pdf", "noise.psd", "empty.png", "pipe.png", "folder.png", "loop.png", "gone.png",
+           "text.xyz")
 
 
 def png(width, height, rows):
@@ -432,8 +436,8 @@ def make_hostile_files(folder):
     good = png(40, 30, (b"\0" + b"\x10\x20\x30" * 40) * 30)
     contents = {"good.png": good, "tiny.png": png(2, 2, b"\0" + b"\1" * 6 + b"\0" + b"\1" * 6), "short.png": good[:70],
                 "large.png": png(2_000_000_000, 2_000_000_000, b"\0" * 100), "empty.png": b"", "text.xyz": b"text"}
-    heads = {"jpg": b"\xff\xd8\xff\xe0", "gif": b"GIF89a", "tif": b"II*\0\x08\0\0\0", "jp2": b"\0\0\0\x0cjP  \r\n\x87\n",
-             "bmp": b"BM", "pdf": b"%PDF-1.4\n", "psd": b"8BPS\0\1"}
+    heads = {"jpg": b"\xff\xd8\xff\xe0", "gif": b"GIF89a", "tif": b"II*\0\x08\0\0\0",
+             "jp2": b"\0\0\0\x0cjP  \r\n\x87\n", "bmp": b"BM", "pdf": b"%PDF-1.4\n", "psd": b"8BPS\0\1"}
     contents.update({f"noise.{kind}": head + noise.randbytes(4000) for kind, head in heads.items()})
     for name, content in contents.items():
         (folder / name).write_bytes(content)
@@ -515,10 +519,10 @@ def unfill(folder):
 
 def damage(home, rng):
     """Something happens to the kept files between two runs. Gives what it was."""
-    how = rng.choice(("nothing", "nothing", "bytes", "cut", "empty", "gone", "noise", "folder", "row", "table", "stale"))
+    how = rng.choice(("nothing", "nothing", "bytes", "cut", "empty", "gone", "noise", "folder", "row", "table",
+                      "stale"))
     data = home.data
-    files = [data / name for name in ("Data0.data", "Data1.data", "Data2.data", "Data3.data", "Data4.data", "Data6.data")]
-    file = rng.choice(files)
+    file = data / f"Data{rng.choice((0, 1, 2, 3, 4, 6))}.data"
     noise = rng.randbytes(3000)
     offsets = [rng.random() for _ in range(rng.randint(1, 40))]
     if not file.is_file():

@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the monkey needs of an X server: hands (the XTEST extension) and eyes (the list of windows, pixels).
+"""What the monkey needs of an X server: hands (the XTEST extension) and eyes (the list of windows).
 
 Bound by hand to Xlib, so that nothing beyond Python's own library is needed, and no program is started for each key.
 Not for threads. An X error is noted and otherwise ignored: windows may go away at any moment.
 """
 import ctypes
 import time
-from ctypes import POINTER, Structure, byref, c_char_p, c_int, c_long, c_uint, c_ulong, c_ushort, c_void_p
+from ctypes import POINTER, Structure, byref, c_char_p, c_int, c_long, c_uint, c_ulong, c_void_p
 from dataclasses import dataclass
 
 XID = c_ulong
@@ -15,8 +15,6 @@ SELECTION_REQUEST = 30
 SELECTION_NOTIFY = 31
 PROPERTY_REPLACE = 0
 VIEWABLE = 2
-Z_PIXMAP = 2
-ALL_PLANES = 0xFFFFFFFF
 STRUCTURE_NOTIFY = 1 << 17
 SUBSTRUCTURE_NOTIFY = 1 << 19
 SUBSTRUCTURE_BOTH = 1 << 20 | 1 << 19
@@ -54,12 +52,6 @@ class _SelectionNotify(Structure):
 class _Event(ctypes.Union):
     _fields_ = [("type", c_int), ("client", _ClientMessage), ("request", _SelectionRequest),
                 ("notify", _SelectionNotify), ("pad", c_long * 24)]
-
-
-class _Image(Structure):
-    _fields_ = [("width", c_int), ("height", c_int), ("xoffset", c_int), ("format", c_int), ("data", c_void_p),
-                ("byte_order", c_int), ("bitmap_unit", c_int), ("bitmap_bit_order", c_int), ("bitmap_pad", c_int),
-                ("depth", c_int), ("bytes_per_line", c_int), ("bits_per_pixel", c_int)]
 
 
 @dataclass(frozen=True)
@@ -100,7 +92,6 @@ class Screen:
         x.XOpenDisplay.restype = c_void_p
         x.XDefaultRootWindow.restype = XID
         x.XInternAtom.restype = XID
-        x.XGetImage.restype = POINTER(_Image)
         x.XKeysymToKeycode.restype = ctypes.c_ubyte
         x.XStringToKeysym.restype = c_ulong
         x.XkbKeycodeToKeysym.restype = c_ulong
@@ -117,17 +108,15 @@ class Screen:
         x.XGetWindowProperty.argtypes = [c_void_p, XID, XID, c_long, c_long, c_int, XID, POINTER(XID), POINTER(c_int),
                                          POINTER(c_ulong), POINTER(c_ulong), POINTER(c_void_p)]
         x.XChangeProperty.argtypes = [c_void_p, XID, XID, XID, c_int, c_int, c_char_p, c_int]
-        x.XGetImage.argtypes = [c_void_p, XID, c_int, c_int, c_uint, c_uint, c_ulong, c_int]
         x.XSendEvent.argtypes = [c_void_p, XID, c_int, c_long, POINTER(_Event)]
         x.XCheckTypedEvent.argtypes = [c_void_p, c_int, POINTER(_Event)]
         x.XSetSelectionOwner.argtypes = [c_void_p, XID, XID, c_ulong]
         x.XCreateSimpleWindow.argtypes = [c_void_p, XID, c_int, c_int, c_uint, c_uint, c_uint, c_ulong, c_ulong]
         x.XMoveResizeWindow.argtypes = [c_void_p, XID, c_int, c_int, c_uint, c_uint]
         x.XSelectInput.argtypes = [c_void_p, XID, c_long]
-        for name in ("XFree", "XDestroyImage"):
-            getattr(x, name).argtypes = [c_void_p]
-        for name in ("XSync", "XIconifyWindow"):
-            getattr(x, name).argtypes = [c_void_p, XID, c_int][:2 if name == "XSync" else 3]
+        x.XFree.argtypes = [c_void_p]
+        x.XSync.argtypes = [c_void_p, c_int]
+        x.XIconifyWindow.argtypes = [c_void_p, XID, c_int]
         x.XGetInputFocus.argtypes = [c_void_p, POINTER(XID), POINTER(c_int)]
         x.XMapWindow.argtypes = [c_void_p, XID]
         test.XTestFakeKeyEvent.argtypes = [c_void_p, c_uint, c_int, c_ulong]
@@ -176,22 +165,6 @@ class Screen:
         focus, revert = XID(), c_int()
         self._x.XGetInputFocus(self._display, byref(focus), byref(revert))
         return focus.value
-
-    def pixels(self, x, y, width, height):
-        """The bytes of a part of the screen; for comparing."""
-        x, y = max(0, x), max(0, y)
-        width, height = min(width, self.width - x), min(height, self.height - y)
-        if width <= 0 or height <= 0:
-            return b""
-        image = self._x.XGetImage(self._display, self.root, x, y, width, height, ALL_PLANES, Z_PIXMAP)
-        if not image:
-            return b""
-        content = ctypes.string_at(image.contents.data, image.contents.bytes_per_line * image.contents.height)
-        self._destroy(image)
-        return content
-
-    def _destroy(self, image):
-        self._x.XDestroyImage(image)
 
     def _attributes(self, xid):
         attributes = _Attributes()

@@ -5,14 +5,13 @@
 
 #include "base/ImageBuffer.h"
 #include "bench/BareBlit.h"
+#include "bench/Glow.h"
 #include "engine/raster/RasterRenderer.h"
 
 #include <benchmark/benchmark.h>
 #include <oneapi/tbb/global_control.h>
 #include <oneapi/tbb/task_arena.h>
 
-#include <cmath>
-#include <memory>
 #include <random>
 
 namespace {
@@ -20,19 +19,6 @@ namespace {
 using namespace starbloom;
 
 constexpr float stepOfFrame = 1.0F / 60.0F;
-
-/// A glow of 12 x 12 points.
-std::shared_ptr<const SparkImage> glow() {
-    constexpr int side = 48;
-    SparkImage image{side, side, 4.0, {}};
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x) {
-            const double r = std::hypot(x + 0.5 - side / 2.0, y + 0.5 - side / 2.0) / (side / 2.0);
-            image.light.push_back(r < 1.0 ? static_cast<float>(std::exp(-6.0 * r * r) * (1.0 - r * r)) : 0.0F);
-        }
-    }
-    return std::make_shared<const SparkImage>(image);
-}
 
 /// Sparks all over the picture that fly, shrink a little and fade, none of which dies while it is measured.
 SparkBatch scene(int width, int height, std::size_t count) {

@@ -5,6 +5,7 @@
 // once. bench/run prints the ratios.
 
 #include "base/ImageBuffer.h"
+#include "bench/Glow.h"
 #include "engine/panel/FireworksController.h"
 #include "engine/raster/RasterRenderer.h"
 #include "engine/time/Show.h"
@@ -13,7 +14,6 @@
 #include <oneapi/tbb/global_control.h>
 #include <oneapi/tbb/task_arena.h>
 
-#include <cmath>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -25,19 +25,6 @@ using namespace starbloom;
 constexpr int width = 1920;
 constexpr int height = 1080;
 constexpr int threads = 2;
-
-/// A glow of 12 x 12 points.
-std::shared_ptr<const SparkImage> glow() {
-    constexpr int side = 48;
-    SparkImage image{side, side, 4.0, {}};
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x) {
-            const double r = std::hypot(x + 0.5 - side / 2.0, y + 0.5 - side / 2.0) / (side / 2.0);
-            image.light.push_back(r < 1.0 ? static_cast<float>(std::exp(-6.0 * r * r) * (1.0 - r * r)) : 0.0F);
-        }
-    }
-    return std::make_shared<const SparkImage>(image);
-}
 
 class WideStage final : public Stage {
 public:

@@ -11,6 +11,7 @@
 // limit of the machine is measured instead, see BareBlit, without a window and on one thread.
 
 #include "bench/BareBlit.h"
+#include "bench/Glow.h"
 #include "views/FrameSchedule.h"
 #include "views/RasterStage.h"
 
@@ -23,10 +24,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <ctime>
-#include <memory>
 #include <random>
 
 namespace {
@@ -71,19 +70,6 @@ private:
     std::chrono::nanoseconds m_began{};
     double m_processorTime = 0.0;
 };
-
-/// A glow of 12 x 12 points.
-std::shared_ptr<const SparkImage> glow() {
-    constexpr int side = 48;
-    SparkImage image{side, side, 4.0, {}};
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x) {
-            const double r = std::hypot(x + 0.5 - side / 2.0, y + 0.5 - side / 2.0) / (side / 2.0);
-            image.light.push_back(r < 1.0 ? static_cast<float>(std::exp(-6.0 * r * r) * (1.0 - r * r)) : 0.0F);
-        }
-    }
-    return std::make_shared<const SparkImage>(image);
-}
 
 /// As many sparks as ever: the one that dies is born again. They stand in the order of their births, round and round.
 class Scene {

@@ -58,8 +58,6 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-#include <oneapi/tbb/parallel_for.h>
-
 #include <cmath>
 #include <cstring>
 #include <random>
@@ -90,11 +88,13 @@ BareBlit::BareBlit(int width, int height, std::size_t sparks)
     }
 }
 
-void BareBlit::drawFrame(float time, int threads) {
+void BareBlit::drawFrame(float time, Workers& workers) {
     const std::size_t bytesPerRow = static_cast<std::size_t>(m_scene.width) * 4;
-    oneapi::tbb::parallel_for(0, threads, [&](int part) {
-        const int top = m_scene.height * part / threads;
-        const int bottom = m_scene.height * (part + 1) / threads;
+    const int parts = static_cast<int>(workers.count());
+    workers.share(workers.count(), workers.count(), [&](std::size_t index, std::size_t /*worker*/) {
+        const int part = static_cast<int>(index);
+        const int top = m_scene.height * part / parts;
+        const int bottom = m_scene.height * (part + 1) / parts;
         const std::size_t first = static_cast<std::size_t>(top) * bytesPerRow;
         const std::size_t bytes = static_cast<std::size_t>(bottom - top) * bytesPerRow;
         std::memset(m_scene.picture.data() + first, 0, bytes);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/raster/Workers.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -13,7 +15,7 @@ namespace starbloom {
 /// of 12 x 12 pixels is added at a whole-pixel position with saturating 8-bit arithmetic, and the picture is copied out
 /// once. No sizes, no sub-pixel positions, no tinting, no room above full brightness.
 ///
-/// With several threads each clears, draws and copies its own rows of the picture and reads all sparks.
+/// With several workers each clears, draws and copies its own rows of the picture and reads all sparks.
 class BareBlit {
 public:
     static constexpr int side = 12;
@@ -29,8 +31,8 @@ public:
 
     BareBlit(int width, int height, std::size_t sparks);
 
-    /// Draws the moment `time` with that many threads (of the caller's oneTBB arena).
-    void drawFrame(float time, int threads);
+    /// Draws the moment `time`.
+    void drawFrame(float time, Workers& workers);
 
     const std::vector<std::uint8_t>& output() const { return m_output; }
 

@@ -6,12 +6,12 @@
 #include "base/ImageBuffer.h"
 #include "bench/BareBlit.h"
 #include "bench/Glow.h"
+#include "engine/raster/FrameCrew.h"
 #include "engine/raster/RasterRenderer.h"
 
 #include <benchmark/benchmark.h>
-#include <oneapi/tbb/global_control.h>
-#include <oneapi/tbb/task_arena.h>
 
+#include <memory>
 #include <random>
 
 namespace {
@@ -38,18 +38,14 @@ void drawFrame(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
     const int width = static_cast<int>(state.range(1));
     const int height = static_cast<int>(state.range(2));
-    const int threads = static_cast<int>(state.range(3));
-    const oneapi::tbb::global_control limit(oneapi::tbb::global_control::max_allowed_parallelism,
-                                            static_cast<std::size_t>(threads));
-    oneapi::tbb::task_arena arena(threads);
     const SparkBatch batch = scene(width, height, count);
-    RasterRenderer renderer;
+    RasterRenderer renderer(std::make_shared<FrameCrew>(state.range(3)));
     ImageBuffer image(width, height);
     int frame = 0;
     const auto draw = [&] {
         // Back and forth over one second, so that every measurement sees the same moments.
         const double time = static_cast<double>(frame++ % 60) * stepOfFrame;
-        arena.execute([&] { renderer.render({&batch, 1}, {.time = time}, RasterTarget::of(image)); });
+        renderer.render({&batch, 1}, {.time = time}, RasterTarget::of(image));
     };
     for (int i = 0; i < 60; ++i) {
         draw();
@@ -61,16 +57,13 @@ void drawFrame(benchmark::State& state) {
 }
 
 void drawBare(benchmark::State& state) {
-    const int threads = static_cast<int>(state.range(3));
-    const oneapi::tbb::global_control limit(oneapi::tbb::global_control::max_allowed_parallelism,
-                                            static_cast<std::size_t>(threads));
-    oneapi::tbb::task_arena arena(threads);
+    FrameCrew crew(state.range(3));
     BareBlit bare(static_cast<int>(state.range(1)), static_cast<int>(state.range(2)),
                   static_cast<std::size_t>(state.range(0)));
     int frame = 0;
     for (auto _ : state) {
         const float time = static_cast<float>(frame++ % 60) * stepOfFrame;
-        arena.execute([&] { bare.drawFrame(time, threads); });
+        bare.drawFrame(time, crew);
         benchmark::DoNotOptimize(bare.output().data());
     }
 }

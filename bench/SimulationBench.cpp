@@ -7,12 +7,11 @@
 #include "base/ImageBuffer.h"
 #include "bench/Glow.h"
 #include "engine/panel/FireworksController.h"
+#include "engine/raster/FrameCrew.h"
 #include "engine/raster/RasterRenderer.h"
 #include "engine/time/Show.h"
 
 #include <benchmark/benchmark.h>
-#include <oneapi/tbb/global_control.h>
-#include <oneapi/tbb/task_arena.h>
 
 #include <memory>
 #include <utility>
@@ -112,18 +111,14 @@ void stepWithMovingSlider(benchmark::State& state, Scene scene) {
 }
 
 void frameOfShow(benchmark::State& state, Scene scene) {
-    const oneapi::tbb::global_control limit(oneapi::tbb::global_control::max_allowed_parallelism, threads);
-    oneapi::tbb::task_arena arena(threads);
     PlayingShow show(scene);
-    RasterRenderer renderer;
+    RasterRenderer renderer(std::make_shared<FrameCrew>(threads));
     ImageBuffer image(width, height);
     LitArea lit;
     const auto draw = [&] {
         show.advance();
-        arena.execute([&] {
-            renderer.renderNext(show.simulation().sparks(), {.time = show.simulation().time()}, RasterTarget::of(image),
-                                lit);
-        });
+        renderer.renderNext(show.simulation().sparks(), {.time = show.simulation().time()}, RasterTarget::of(image),
+                            lit);
     };
     for (int i = 0; i < 120; ++i) {
         draw();

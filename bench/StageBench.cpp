@@ -12,6 +12,7 @@
 
 #include "bench/BareBlit.h"
 #include "bench/Glow.h"
+#include "engine/raster/FrameCrew.h"
 #include "views/FrameSchedule.h"
 #include "views/RasterStage.h"
 
@@ -190,12 +191,13 @@ private:
 
 void measureBare(const QSize& size, std::size_t sparks, std::chrono::milliseconds length) {
     BareBlit bare(size.width(), size.height(), sparks);
+    FrameCrew alone(1);
     Meter meter;
     int frame = 0;
     const auto drawFor = [&](std::chrono::milliseconds some) {
         meter.begin();
         for (const auto end = now() + some; now() < end;) {
-            bare.drawFrame(static_cast<float>(frame++ % 60) / 60.0F, 1);
+            bare.drawFrame(static_cast<float>(frame++ % 60) / 60.0F, alone);
             meter.countFrame();
         }
     };

@@ -3,6 +3,7 @@
 
 #include "cli/Interruption.h"
 #include "cli/Progress.h"
+#include "engine/raster/ArenaWorkers.h"
 #include "export/movie/MovieTiming.h"
 
 #include <oneapi/tbb/concurrent_queue.h>
@@ -10,6 +11,7 @@
 #include <oneapi/tbb/task_arena.h>
 
 #include <atomic>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -60,6 +62,7 @@ FrameRenderer::FrameRenderer(const Options& options, RequestedShow&& requested)
     , m_background(options.drawnBackground())
     , m_note(std::move(requested.note))
     , m_player(requested.show)
+    , m_renderer(std::make_shared<ArenaWorkers>())
     , m_exposure(options.shutter / options.framesPerSecond * requested.speed) {
     if (m_exposure > 0.0) {
         m_blurSteps.emplace(std::move(requested.show), m_exposure, m_pixelsPerPoint);

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/raster/RasterRenderer.h"
 #include "shell/AppDelegate.h"
 #include "shell/Application.h"
 #include "shell/ColorScheme.h"
@@ -108,9 +107,8 @@ starbloom::AppFolder applicationFolder() {
     return starbloom::AppFolder(dataHome ? dataHome.value() : std::filesystem::path());
 }
 
-/// Does what needs no toolkit while that connects to the window system: the fonts for the first text, the stores, and
-/// the library of tasks, which looks at the processor when it is first used. What fails here fails again, and is told
-/// of, where it is needed.
+/// Does what needs no toolkit while that connects to the window system: the fonts for the first text, and the stores.
+/// What fails here fails again, and is told of, where it is needed.
 void prepare(starbloom::Stores* stores) {
     try {
         FcInit();
@@ -118,7 +116,6 @@ void prepare(starbloom::Stores* stores) {
             stores->prepare();
         }
         starbloom::spark();
-        const starbloom::RasterRenderer firstUse;
     } catch (const std::exception&) {
         return;
     }

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/raster/FrameCrew.h"
 #include "engine/raster/RasterRenderer.h"
 #include "views/StageRenderer.h"
 
 #include <QImage>
 #include <QRegion>
 #include <QSize>
+
+#include <memory>
 
 class QPainter;
 class QTransform;
@@ -67,13 +70,14 @@ private:
     bool ownsItsPlace() const;
 
     const QWidget& m_widget;
-    RasterRenderer m_renderer;
-    RasterRenderer m_pictureRenderer; ///< Apart, as it keeps its sprites.
-    QImage m_picture;                 ///< None while m_target is in the window's memory.
-    RasterTarget m_target;            ///< What has been drawn last.
-    LitArea m_lit;                    ///< Of m_target.
-    QSize m_placedSize;               ///< The widget's when it was painted last.
-    double m_pixelsPerPoint = 1.0;    ///< Of m_target.
+    std::shared_ptr<FrameCrew> m_crew = std::make_shared<FrameCrew>();
+    RasterRenderer m_renderer{m_crew};
+    RasterRenderer m_pictureRenderer{m_crew}; ///< Apart, as it keeps its sprites.
+    QImage m_picture;                         ///< None while m_target is in the window's memory.
+    RasterTarget m_target;                    ///< What has been drawn last.
+    LitArea m_lit;                            ///< Of m_target.
+    QSize m_placedSize;                       ///< The widget's when it was painted last.
+    double m_pixelsPerPoint = 1.0;            ///< Of m_target.
     bool m_passedOver = false;
     bool m_memoryLasts = true; ///< The window's memory still holds the last frame when the next one is drawn.
 };

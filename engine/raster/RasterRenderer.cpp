@@ -4,9 +4,6 @@
 #include "engine/raster/CommandChunk.h"
 #include "engine/raster/LightBand.h"
 
-#include <oneapi/tbb/enumerable_thread_specific.h>
-#include <oneapi/tbb/parallel_for.h>
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -37,16 +34,18 @@ ResolveSettings resolveSettings(const Color& background, PixelOrder order) {
             order};
 }
 
-/// Whether a frame takes less than about a millisecond. Waking others costs them more than it saves the caller.
-bool isSmall(std::span<const SparkBatch> sparks, const RasterRenderer::View& view, const RasterTarget& target) {
-    constexpr double mostPixels = 1'500'000.0;
-    constexpr double mostSparks = 4'000.0; // Of the usual size at one pixel per point.
+/// So many workers have about a millisecond each. Waking others for less costs them more than it saves the caller.
+std::size_t worthwhileWorkers(std::span<const SparkBatch> sparks, const RasterRenderer::View& view,
+                              const RasterTarget& target) {
+    constexpr double pixels = 1'500'000.0;  // In a millisecond, roughly.
+    constexpr double usualSparks = 4'000.0; // At one pixel per point.
     std::size_t count = 0;
     for (const SparkBatch& batch : sparks) {
         count += batch.size();
     }
-    return static_cast<double>(target.width) * target.height <= mostPixels &&
-           static_cast<double>(count) * view.pixelsPerPoint * view.pixelsPerPoint <= mostSparks;
+    const double ofPixels = static_cast<double>(target.width) * target.height / pixels;
+    const double ofSparks = static_cast<double>(count) * view.pixelsPerPoint * view.pixelsPerPoint / usualSparks;
+    return static_cast<std::size_t>(std::min(std::max({ofPixels, ofSparks, 1.0}), 1'000.0));
 }
 
 } // namespace
@@ -54,15 +53,16 @@ bool isSmall(std::span<const SparkBatch> sparks, const RasterRenderer::View& vie
 /// The working memory of a renderer, and the steps of one frame.
 class RasterRenderer::Frame {
 public:
-    explicit Frame(const RasterKernels& kernels)
-        : m_kernels(kernels) {}
+    Frame(std::shared_ptr<Workers> workers, const RasterKernels& kernels)
+        : m_workers(std::move(workers))
+        , m_kernels(kernels) {}
 
     void render(std::span<const SparkBatch> sparks, const View& view, const RasterTarget& target, LitArea& lit);
 
     LitArea& ownArea() { return m_area; }
 
 private:
-    /// What a thread needs while it draws a band.
+    /// What a worker needs while it draws a band.
     struct BandMemory {
         LightBand light;
         std::vector<std::uint8_t> lit; ///< For each cell of the band.
@@ -74,28 +74,38 @@ private:
     void forgetSprites();
     bool makeMissingSprites();
     void gatherLit(int band, std::vector<std::uint8_t>& cells) const;
-    void drawBand(int band, const View& view, const RasterTarget& target, LitArea& lit);
+    void drawBand(int band, BandMemory& memory, const View& view, const RasterTarget& target, LitArea& lit);
+    void chooseWorkers(std::size_t worthwhile);
     template <typename Task>
     void forEach(std::size_t count, const Task& task) const;
 
+    std::shared_ptr<Workers> m_workers; ///< May be none.
     const RasterKernels& m_kernels;
     std::vector<std::unique_ptr<SpriteAtlas>> m_atlases;
     std::vector<CommandChunk> m_chunks;
     std::size_t m_chunkCount = 0; ///< In use in this frame; the others only keep their memory.
     TileGrid m_grid;
-    bool m_small = false; ///< This frame is not worth waking other threads for.
-    LitArea m_area;       ///< For callers that have none.
-    oneapi::tbb::enumerable_thread_specific<BandMemory> m_bands;
+    LitArea m_area; ///< For callers that have none.
+    std::size_t m_mostWorkers = 1;
+    std::vector<BandMemory> m_bands; ///< One for each worker.
 };
 
 template <typename Task>
 void RasterRenderer::Frame::forEach(std::size_t count, const Task& task) const {
-    if (!m_small) {
-        oneapi::tbb::parallel_for(std::size_t{0}, count, task);
+    if (m_mostWorkers > 1 && count > 1) {
+        m_workers->share(count, m_mostWorkers, task);
         return;
     }
     for (std::size_t i = 0; i < count; ++i) {
-        task(i);
+        task(i, 0);
+    }
+}
+
+void RasterRenderer::Frame::chooseWorkers(std::size_t worthwhile) {
+    const std::size_t present = m_workers != nullptr ? m_workers->count() : 1;
+    m_mostWorkers = std::min(worthwhile, present);
+    if (m_bands.size() < present) {
+        m_bands.resize(present);
     }
 }
 
@@ -104,13 +114,14 @@ void RasterRenderer::Frame::render(std::span<const SparkBatch> sparks, const Vie
     m_grid = TileGrid(target.width, target.height);
     lit.begin(target.width, target.height, view.background);
     splitIntoChunks(sparks, view, target);
-    m_small = isSmall(sparks, view, target);
+    chooseWorkers(worthwhileWorkers(sparks, view, target));
     forgetSprites();
     do {
         placeSparks();
     } while (makeMissingSprites());
-    forEach(static_cast<std::size_t>(m_grid.bands()),
-            [&](std::size_t band) { drawBand(static_cast<int>(band), view, target, lit); });
+    forEach(static_cast<std::size_t>(m_grid.bands()), [&](std::size_t band, std::size_t worker) {
+        drawBand(static_cast<int>(band), m_bands[worker], view, target, lit);
+    });
     lit.end();
 }
 
@@ -158,7 +169,8 @@ std::uint16_t RasterRenderer::Frame::atlasFor(const std::shared_ptr<const SparkI
 }
 
 void RasterRenderer::Frame::placeSparks() {
-    forEach(m_chunkCount, [&](std::size_t i) { m_chunks[i].place(m_kernels, m_grid, m_atlases); });
+    forEach(m_chunkCount,
+            [&](std::size_t i, std::size_t /*worker*/) { m_chunks[i].place(m_kernels, m_grid, m_atlases); });
 }
 
 void RasterRenderer::Frame::forgetSprites() {
@@ -182,16 +194,17 @@ bool RasterRenderer::Frame::makeMissingSprites() {
     std::ranges::sort(missing);
     missing.erase(std::unique(missing.begin(), missing.end()), missing.end());
     std::vector<std::unique_ptr<SpriteSet>> made(missing.size());
-    forEach(missing.size(),
-            [&](std::size_t i) { made[i] = m_atlases[missing[i].atlas]->make(static_cast<int>(missing[i].key)); });
+    forEach(missing.size(), [&](std::size_t i, std::size_t /*worker*/) {
+        made[i] = m_atlases[missing[i].atlas]->make(static_cast<int>(missing[i].key));
+    });
     for (std::size_t i = 0; i < missing.size(); ++i) {
         m_atlases[missing[i].atlas]->install(static_cast<int>(missing[i].key), std::move(made[i]));
     }
     return !missing.empty();
 }
 
-void RasterRenderer::Frame::drawBand(int band, const View& view, const RasterTarget& target, LitArea& lit) {
-    BandMemory& memory = m_bands.local();
+void RasterRenderer::Frame::drawBand(int band, BandMemory& memory, const View& view, const RasterTarget& target,
+                                     LitArea& lit) {
     const int top = band * TileGrid::tileHeight;
     const int rows = std::min(TileGrid::tileHeight, target.height - top);
     memory.light.begin(target.width, rows);
@@ -233,8 +246,8 @@ RasterTarget RasterTarget::of(ImageBuffer& image) {
     return {image.bytes().data(), image.bytesPerRow(), image.width(), image.height(), PixelOrder::Rgba};
 }
 
-RasterRenderer::RasterRenderer(const RasterKernels& kernels)
-    : m_frame(std::make_unique<Frame>(kernels)) {}
+RasterRenderer::RasterRenderer(std::shared_ptr<Workers> workers, const RasterKernels& kernels)
+    : m_frame(std::make_unique<Frame>(std::move(workers), kernels)) {}
 
 RasterRenderer::~RasterRenderer() = default;
 RasterRenderer::RasterRenderer(RasterRenderer&&) noexcept = default;

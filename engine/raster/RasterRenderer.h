@@ -5,6 +5,7 @@
 #include "base/ImageBuffer.h"
 #include "engine/raster/LitArea.h"
 #include "engine/raster/RasterKernels.h"
+#include "engine/raster/Workers.h"
 #include "engine/time/SparkBatch.h"
 
 #include <cstddef>
@@ -35,14 +36,15 @@ struct RasterTarget {
 /// sparks give the same bytes for any number of threads and any width of vectors.
 ///
 /// How threads share the work: sparks are placed in chunks and sorted into tiles, one chunk a task; then the picture is
-/// drawn in bands of rows, one band a task, each of which reads all chunks and alone writes its rows. The tasks run in
-/// the caller's oneTBB arena, so its limits hold. Between the two, missing sprites are made, also in parallel. A small
-/// frame is drawn by the caller alone: waking others would take longer than the drawing.
+/// drawn in bands of rows, one band a task, each of which reads all chunks and alone writes its rows. Between the two,
+/// missing sprites are made, also in parallel. A small frame is drawn by the caller alone: waking others would take
+/// longer than the drawing.
 ///
 /// A renderer keeps sprites and working memory for the next frame. It may be used from one thread at a time.
 class RasterRenderer {
 public:
-    explicit RasterRenderer(const RasterKernels& kernels = vectorKernels());
+    /// Without workers the caller draws alone. Several renderers may have the same ones, unless they draw at once.
+    explicit RasterRenderer(std::shared_ptr<Workers> workers = nullptr, const RasterKernels& kernels = vectorKernels());
     ~RasterRenderer();
     RasterRenderer(RasterRenderer&&) noexcept;
     RasterRenderer& operator=(RasterRenderer&&) noexcept;

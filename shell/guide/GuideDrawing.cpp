@@ -3,8 +3,6 @@
 
 #include "engine/time/Simulation.h"
 
-#include <tbb/task_arena.h>
-
 #include <utility>
 
 namespace starbloom {
@@ -18,8 +16,7 @@ ImageBuffer GuideDrawing::draw(const GuideScene& scene, SliderEnd end, int width
     simulation.advanceTo(moment.time);
     ImageBuffer picture(width, height);
     const RasterRenderer::View view{.time = moment.time, .pixelsPerPoint = width / scene.stage.width};
-    tbb::task_arena alone(1);
-    alone.execute([&] { m_renderer.render(simulation.sparks(), view, RasterTarget::of(picture)); });
+    m_renderer.render(simulation.sparks(), view, RasterTarget::of(picture));
     return picture;
 }
 

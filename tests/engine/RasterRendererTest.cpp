@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/raster/RasterRenderer.h"
+#include "engine/raster/ArenaWorkers.h"
+#include "engine/raster/FrameCrew.h"
 #include "engine/time/Random.h"
 #include "tests/engine/Scenes.h"
 
@@ -10,7 +12,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace starbloom {
@@ -65,18 +69,19 @@ std::vector<SparkBatch> mixedScene(std::size_t count, float width, float height,
 }
 
 ImageBuffer draw(std::span<const SparkBatch> sparks, int width, int height, const View& view = {.time = 1.0},
-                 const RasterKernels& kernels = vectorKernels()) {
+                 const RasterKernels& kernels = vectorKernels(), std::shared_ptr<Workers> workers = nullptr) {
     ImageBuffer image(width, height);
-    RasterRenderer(kernels).render(sparks, view, RasterTarget::of(image));
+    RasterRenderer(std::move(workers), kernels).render(sparks, view, RasterTarget::of(image));
     return image;
 }
 
-ImageBuffer drawWithThreads(int threads, std::span<const SparkBatch> sparks, int width, int height, const View& view) {
+ImageBuffer drawInArena(int threads, std::span<const SparkBatch> sparks, int width, int height, const View& view) {
     const oneapi::tbb::global_control limit(oneapi::tbb::global_control::max_allowed_parallelism,
                                             static_cast<std::size_t>(threads));
     oneapi::tbb::task_arena arena(threads);
     ImageBuffer image;
-    arena.execute([&] { image = draw(sparks, width, height, view); });
+    arena.execute(
+        [&] { image = draw(sparks, width, height, view, vectorKernels(), std::make_shared<ArenaWorkers>()); });
     return image;
 }
 
@@ -172,7 +177,9 @@ TEST(RasterRenderer, bytesDoNotDependOnThreadsOrVectors) {
         const View view{1.0, each.zoom, {0.1F, 0.0F, 0.3F, 0.5F}};
         const ImageBuffer expected = draw(scene, each.width, each.height, view, scalarKernels());
         for (const int threads : {1, 2, 8}) {
-            EXPECT_TRUE(drawWithThreads(threads, scene, each.width, each.height, view) == expected)
+            const auto crew = std::make_shared<FrameCrew>(threads);
+            EXPECT_TRUE(draw(scene, each.width, each.height, view, vectorKernels(), crew) == expected &&
+                        drawInArena(threads, scene, each.width, each.height, view) == expected)
                 << threads << " threads, " << each.width << " x " << each.height << " at " << each.zoom;
         }
         std::set<std::size_t> dispatched;

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/raster/Workers.h"
+
+namespace starbloom {
+
+/// The threads of the oneTBB arena that calls, whose limits hold. They help with other work of the arena as well.
+class ArenaWorkers final : public Workers {
+public:
+    std::size_t count() const override;
+
+protected:
+    void run(std::size_t tasks, std::size_t most, const Call& call) override;
+};
+
+} // namespace starbloom

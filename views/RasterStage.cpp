@@ -53,14 +53,6 @@ bool isCovered(const QWidget& widget, const QRect& part) {
     });
 }
 
-/// A window's memory, if a picture's pixels can be written to it as they are.
-QImage* pixelMemory(QPaintDevice* device) {
-    auto* image = dynamic_cast<QImage*>(device);
-    const bool same = image != nullptr && (image->format() == QImage::Format_RGB32 ||
-                                           image->format() == QImage::Format_ARGB32_Premultiplied);
-    return same ? image : nullptr;
-}
-
 } // namespace
 
 QImage RasterStage::picture() const {
@@ -69,7 +61,9 @@ QImage RasterStage::picture() const {
     }
     const QBackingStore* const store = m_widget.window()->backingStore();
     auto* memory = store != nullptr ? dynamic_cast<QImage*>(const_cast<QBackingStore*>(store)->paintDevice()) : nullptr;
-    return memory != nullptr ? memory->copy(coveredPixels(m_widget.rect(), toWindowPixels())) : QImage();
+    return memory != nullptr
+               ? memory->copy(coveredPixels(m_widget.rect(), toWindowPixels())).convertToFormat(pictureFormat)
+               : QImage();
 }
 
 bool RasterStage::isPlaced() const {
@@ -105,8 +99,7 @@ bool RasterStage::present(const StageMoment& moment) {
         return false;
     }
     const QRect place(m_widget.mapTo(m_widget.window(), QPoint()), m_widget.size());
-    store->beginPaint(place);
-    QImage* const memory = pixelMemory(store->paintDevice());
+    QImage* const memory = m_memory.begin(*store, place);
     const QRect pixels = coveredPixels(m_widget.rect(), toWindowPixels());
     const bool fits = memory != nullptr && memory->rect().contains(pixels);
     if (fits) {
@@ -166,7 +159,8 @@ void RasterStage::paint(QPainter& painter, const QRegion& region) {
     const QTransform toPixels = painter.deviceTransform();
     const QRect pixels = coveredPixels(m_widget.rect(), toPixels);
     m_placedSize = m_widget.size();
-    if (QImage* memory = pixelMemory(painter.paintEngine()->paintDevice())) {
+    m_memory.forget();
+    if (QImage* memory = WindowMemory::pixelsOf(painter.paintEngine()->paintDevice())) {
         for (const QRect& part : region) {
             copyPixels(m_picture, pixels.topLeft(), coveredPixels(part, toPixels), *memory);
         }

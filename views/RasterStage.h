@@ -4,6 +4,7 @@
 #include "engine/raster/FrameCrew.h"
 #include "engine/raster/RasterRenderer.h"
 #include "views/StageRenderer.h"
+#include "views/WindowMemory.h"
 
 #include <QImage>
 #include <QRegion>
@@ -76,8 +77,9 @@ private:
     QImage m_picture;                         ///< None while m_target is in the window's memory.
     RasterTarget m_target;                    ///< What has been drawn last.
     LitArea m_lit;                            ///< Of m_target.
-    QSize m_placedSize;                       ///< The widget's when it was painted last.
-    double m_pixelsPerPoint = 1.0;            ///< Of m_target.
+    WindowMemory m_memory;
+    QSize m_placedSize;            ///< The widget's when it was painted last.
+    double m_pixelsPerPoint = 1.0; ///< Of m_target.
     bool m_passedOver = false;
     bool m_memoryLasts = true; ///< The window's memory still holds the last frame when the next one is drawn.
 };

@@ -73,10 +73,9 @@ struct Theatre {
         return image;
     }
 
-    /// The pixels of the whole window, as they go to the screen.
+    /// The pixels of the whole window, as the screen has them.
     QImage screenshot() {
-        const auto* pixels = dynamic_cast<QImage*>(window.backingStore()->paintDevice());
-        return pixels != nullptr ? pixels->convertToFormat(QImage::Format_RGB32) : QImage();
+        return stage.screen()->grabWindow(window.winId()).toImage().convertToFormat(QImage::Format_RGB32);
     }
 };
 

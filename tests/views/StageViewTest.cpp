@@ -73,9 +73,13 @@ struct Theatre {
         return image;
     }
 
-    /// The pixels of the whole window, as the screen has them.
+    /// The pixels of the whole window, as an X11 screen has them, or as they go to another.
     QImage screenshot() {
-        return stage.screen()->grabWindow(window.winId()).toImage().convertToFormat(QImage::Format_RGB32);
+        if (QGuiApplication::platformName() == "xcb") {
+            return stage.screen()->grabWindow(window.winId()).toImage().convertToFormat(QImage::Format_RGB32);
+        }
+        const auto* pixels = dynamic_cast<QImage*>(window.backingStore()->paintDevice());
+        return pixels != nullptr ? pixels->convertToFormat(QImage::Format_RGB32) : QImage();
     }
 };
 

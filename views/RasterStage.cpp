@@ -134,12 +134,20 @@ QRegion RasterStage::render(const StageMoment& moment) {
     return changedPoints();
 }
 
-QRegion RasterStage::changedPoints() const {
+QRegion RasterStage::changedPoints() {
     QRegion changed;
+    if (m_pixelsPerPoint == 1.0) {
+        m_changedRects.clear();
+        for (const PixelRect& each : m_lit.changed()) {
+            m_changedRects.emplace_back(each.x, each.y, each.width, each.height);
+        }
+        changed.setRects(m_changedRects.data(), static_cast<int>(m_changedRects.size()));
+        return changed;
+    }
     for (const PixelRect& pixels : m_lit.changed()) {
         const QRectF exact(pixels.x / m_pixelsPerPoint, pixels.y / m_pixelsPerPoint, pixels.width / m_pixelsPerPoint,
                            pixels.height / m_pixelsPerPoint);
-        changed += m_pixelsPerPoint == 1.0 ? exact.toRect() : exact.toAlignedRect().adjusted(-1, -1, 1, 1);
+        changed += exact.toAlignedRect().adjusted(-1, -1, 1, 1);
     }
     return changed;
 }

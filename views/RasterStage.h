@@ -11,6 +11,7 @@
 #include <QSize>
 
 #include <memory>
+#include <vector>
 
 class QPainter;
 class QTransform;
@@ -66,7 +67,7 @@ public:
 private:
     void renderOwn(const StageMoment& moment, const QSize& pixels, double pixelsPerPoint);
     void render(const StageMoment& moment, const RasterTarget& target, double pixelsPerPoint);
-    QRegion changedPoints() const;
+    QRegion changedPoints();
     QTransform toWindowPixels() const;
     bool ownsItsPlace() const;
 
@@ -77,6 +78,7 @@ private:
     QImage m_picture;                         ///< None while m_target is in the window's memory.
     RasterTarget m_target;                    ///< What has been drawn last.
     LitArea m_lit;                            ///< Of m_target.
+    std::vector<QRect> m_changedRects;        ///< Of the last frame; kept for its memory.
     WindowMemory m_memory;
     QSize m_placedSize;            ///< The widget's when it was painted last.
     double m_pixelsPerPoint = 1.0; ///< Of m_target.

@@ -60,7 +60,8 @@ public:
     /// Whatever the memory holds, the next frame is written as a whole.
     void forget() { m_width = 0; }
 
-    /// What the last frame has changed.
+    /// Rectangles that hold all that the last frame has changed, few rather than tight: they are handed to a screen.
+    /// From top to bottom and from left to right; those that share a row of pixels have the same rows and do not touch.
     const std::vector<PixelRect>& changed() const { return m_changed; }
 
 private:
@@ -70,12 +71,16 @@ private:
 
     void begin(int width, int height, const Color& background);
     void end();
+    void appendBand(int firstRow);
+    bool growDownwards(std::size_t above, std::size_t first);
+    void joinDense();
 
     int m_width = 0;
     int m_height = 0;
     Color m_background;
     CellGrid m_grid;
     std::vector<std::uint8_t> m_cells;
+    std::vector<std::uint8_t> m_band; ///< What is known of some rows of cells together.
     std::vector<PixelRect> m_changed;
 };
 

@@ -385,6 +385,13 @@ TEST(RasterRenderer, TheNextFrameInTheSameMemoryIsTheSamePictureAndTellsWhatIsOt
         renderer.renderNext(simulation.sparks(), view, RasterTarget::of(image), lit);
         EXPECT_TRUE(image == draw(simulation.sparks(), image.width(), image.height(), view)) << frame;
         expectToldOf(before, image, lit.changed());
+        EXPECT_LE(lit.changed().size(), 24U) << frame; // Three in each band of 64 rows.
+        for (std::size_t i = 1; i < lit.changed().size(); ++i) {
+            const PixelRect& last = lit.changed()[i - 1];
+            const PixelRect& next = lit.changed()[i];
+            const bool right = next.y == last.y && next.height == last.height && next.x > last.x + last.width;
+            EXPECT_TRUE(right || next.y >= last.y + last.height) << frame << ", " << i;
+        }
         std::size_t pixels = 0;
         for (const PixelRect& each : lit.changed()) {
             pixels += static_cast<std::size_t>(each.width) * static_cast<std::size_t>(each.height);

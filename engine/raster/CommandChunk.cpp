@@ -9,7 +9,7 @@ namespace starbloom {
 
 /// What of it lies in the picture's width; its rows may still reach over the picture's edges.
 struct CommandChunk::Sprite {
-    int left;   ///< Pixels from the picture's left edge; down to the margin of the light.
+    int left;   ///< Pixels from the picture's left edge.
     int top;    ///< Likewise from its upper edge.
     int column; ///< Of the tiles.
     int rows;
@@ -72,11 +72,10 @@ void CommandChunk::appendCommands(const PlacedSparks& placed, std::size_t count,
             continue;
         }
         const std::int16_t* mask = set->mask(static_cast<unsigned>(x8 & 7), static_cast<unsigned>(y8 & 7)) + box.offset;
-        // What hangs over an edge by more than the margin is cut off in whole vectors.
-        const int hidden = left < 0 ? -left / spriteLanes * spriteLanes : 0;
+        const int hidden = std::max(-left, 0);
         left += hidden;
         mask += hidden;
-        width = std::min(width - hidden, (grid.width() - left + spriteLanes - 1) / spriteLanes * spriteLanes);
+        width = std::min(width - hidden, grid.width() - left);
         append({left,
                 top,
                 std::clamp(x, 0, grid.width() - 1) / TileGrid::tileWidth,

@@ -33,7 +33,7 @@ std::ptrdiff_t LightBand::planeStrideFor(int pictureWidth) {
     // An odd number of cache lines: with a power of two of them all rows of a sprite would fall into the same few sets
     // of the first-level cache and push each other out.
     constexpr int lineLights = 64 / sizeof(std::uint16_t);
-    return ((pictureWidth + 2 * margin + lineLights - 1) / lineLights | 1) * lineLights;
+    return ((pictureWidth + margin + lineLights - 1) / lineLights | 1) * lineLights;
 }
 
 void LightBand::begin(int pictureWidth, int rows) {

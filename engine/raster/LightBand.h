@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -18,14 +19,14 @@ public:
     /// How far from one channel's plane to the next, in a picture of that width; three of them to the next row.
     static std::ptrdiff_t planeStrideFor(int pictureWidth);
 
-    /// Pixels that a sprite may hang over on either side.
+    /// Pixels beyond the right edge that a sprite's last vector may reach.
     static constexpr int margin = spriteLanes;
 
     /// Prepares for a band of so many rows of a picture of that width.
     void begin(int pictureWidth, int rows);
 
-    /// The first pixel of the band.
-    std::uint16_t* light() { return m_light.data() + margin; }
+    /// The first pixel of the band, where a cache line begins, as it does in every row of every plane.
+    std::uint16_t* light() { return m_light.data(); }
 
     std::ptrdiff_t planeStride() const { return m_planeStride; }
 
@@ -43,9 +44,27 @@ public:
     void resolve(const RasterKernels& kernels, const ResolveSettings& settings, const CellRow& row);
 
 private:
+    static constexpr std::size_t cacheLine = 64; ///< Bytes.
+
+    /// Memory that begins where a cache line does.
+    template <typename T>
+    struct CacheAligned {
+        using value_type = T;
+
+        T* allocate(std::size_t count) {
+            return static_cast<T*>(::operator new(count * sizeof(T), static_cast<std::align_val_t>(cacheLine)));
+        }
+
+        void deallocate(T* memory, std::size_t /*count*/) {
+            ::operator delete(memory, static_cast<std::align_val_t>(cacheLine));
+        }
+
+        friend bool operator==(CacheAligned, CacheAligned) { return true; }
+    };
+
     int m_width = 0;
     std::ptrdiff_t m_planeStride = 0;
-    std::vector<std::uint16_t> m_light;
+    std::vector<std::uint16_t, CacheAligned<std::uint16_t>> m_light;
 };
 
 } // namespace starbloom

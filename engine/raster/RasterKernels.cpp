@@ -11,6 +11,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <array>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -104,21 +105,45 @@ HWY_INLINE void addTinted(D /*lanes*/, hn::Vec<D> mask, hn::Vec<D> tint, std::ui
     hn::StoreU(hn::SaturatedAdd(hn::LoadU(du, light), added), du, light);
 }
 
-/// Adds one sprite, `vectors` vectors wide; 0 for any number of them.
-template <int vectors>
-HWY_INLINE void drawSprite(const SparkCommand& command, std::uint16_t* light, std::ptrdiff_t planeStride) {
-    // No wider than a usual sprite: wider vectors would work on nothing and straddle cache lines.
-    const hn::CappedTag<std::int16_t, spriteLanes> d;
+/// Lanes of zeros, of ones, and of zeros again: a vector loaded from here is a mask of some lanes.
+constexpr auto laneMasks = [] {
+    std::array<std::int16_t, 3 * spriteLanes> lanes{};
+    std::fill_n(lanes.begin() + spriteLanes, spriteLanes, std::int16_t{-1});
+    return lanes;
+}();
+
+template <class D>
+HWY_INLINE hn::Vec<D> firstLanes(D d, int count) {
+    return hn::LoadU(d, laneMasks.data() + 2 * spriteLanes - count);
+}
+
+template <class D>
+HWY_INLINE hn::Vec<D> lanesFrom(D d, int first) {
+    return hn::LoadU(d, laneMasks.data() + spriteLanes - first);
+}
+
+/// Adds one sprite whose pixels lie in `vectors` vectors of the light, which begin at `out`, `before` lanes left of its
+/// first pixel.
+template <int vectors, class D>
+HWY_INLINE void drawVectors(D d, const SparkCommand& command, std::uint16_t* out, std::ptrdiff_t planeStride,
+                            int before, int count) {
     const int lanes = static_cast<int>(hn::Lanes(d));
-    const int width = vectors != 0 ? vectors * lanes : command.width;
+    const int last = (vectors != 0 ? vectors - 1 : count - 1) * lanes;
+    const auto inFirst = lanesFrom(d, before);
+    const auto inLast = firstLanes(d, before + command.width - last);
     const auto red = hn::Set(d, command.red);
     const auto green = hn::Set(d, command.green);
     const auto blue = hn::Set(d, command.blue);
-    const std::int16_t* mask = command.mask;
-    std::uint16_t* out = light + command.place;
+    const std::int16_t* mask = command.mask - before;
     for (int row = command.rows; row > 0; --row) {
-        for (int x = 0; x < width; x += lanes) {
-            const auto m = hn::LoadU(d, mask + x);
+        for (int x = 0; x <= last; x += lanes) {
+            auto m = hn::LoadU(d, mask + x);
+            if (x == 0) {
+                m = hn::And(m, inFirst);
+            }
+            if (x == last) {
+                m = hn::And(m, inLast);
+            }
             addTinted(d, m, red, out + x);
             addTinted(d, m, green, out + planeStride + x);
             addTinted(d, m, blue, out + 2 * planeStride + x);
@@ -137,21 +162,41 @@ HWY_INLINE void prefetchMask(const SparkCommand& command) {
     }
 }
 
+HWY_INLINE void drawSprite(const SparkCommand& command, std::uint16_t* light, std::ptrdiff_t planeStride) {
+    // No wider than a usual sprite: wider vectors would work on nothing.
+    const hn::CappedTag<std::int16_t, spriteLanes> d;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    std::uint16_t* out = light + command.place;
+    if (command.width <= lanes) {
+        drawVectors<1>(d, command, out, planeStride, 0, 1);
+        return;
+    }
+    // Vectors that straddle cache lines take half as long again.
+    const int before = command.place & (lanes - 1);
+    out -= before;
+    const int count = (before + command.width + lanes - 1) / lanes;
+    switch (count) {
+    case 2:
+        drawVectors<2>(d, command, out, planeStride, before, count);
+        break;
+    case 3:
+        drawVectors<3>(d, command, out, planeStride, before, count);
+        break;
+    case 4:
+        drawVectors<4>(d, command, out, planeStride, before, count);
+        break;
+    default:
+        drawVectors<0>(d, command, out, planeStride, before, count);
+    }
+}
+
 HWY_ATTR void Draw(std::span<const SparkCommand> commands, std::uint16_t* light, std::ptrdiff_t planeStride) {
     constexpr std::size_t ahead = 3;
-    const int lanes = static_cast<int>(hn::Lanes(hn::CappedTag<std::int16_t, spriteLanes>()));
     for (std::size_t i = 0; i < commands.size(); ++i) {
         if (i + ahead < commands.size()) {
             prefetchMask(commands[i + ahead]);
         }
-        const SparkCommand& command = commands[i];
-        if (command.width == lanes) {
-            drawSprite<1>(command, light, planeStride);
-        } else if (command.width == 2 * lanes) {
-            drawSprite<2>(command, light, planeStride);
-        } else {
-            drawSprite<0>(command, light, planeStride);
-        }
+        drawSprite(commands[i], light, planeStride);
     }
 }
 

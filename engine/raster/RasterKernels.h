@@ -63,10 +63,10 @@ struct PlacedSparks {
 
 /// A part of one sprite to be drawn into the light of a band.
 struct SparkCommand {
-    const std::int16_t* mask; ///< Its first pixel.
+    const std::int16_t* mask; ///< Its first pixel; spriteLanes more can be read before it and behind its last one.
     std::int32_t place;       ///< Where that one goes in the red plane, counted from the band's first pixel.
     std::uint16_t rows;       ///< At least 1.
-    std::uint16_t width;      ///< Pixels, a multiple of spriteLanes.
+    std::uint16_t width;      ///< Pixels, at least 1.
     std::uint16_t stride;     ///< Of the mask's rows.
     std::int16_t red;         ///< 0..fullLight.
     std::int16_t green;

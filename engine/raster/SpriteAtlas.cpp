@@ -161,7 +161,8 @@ struct Peaks {
     explicit Peaks(const SpriteSet& set)
         : rows(static_cast<std::size_t>(set.rows))
         , columns(static_cast<std::size_t>(set.stride)) {
-        for (auto mask = set.masks.begin(); mask != set.masks.end();) {
+        const auto end = set.masks.end() - SpriteSet::padding;
+        for (auto mask = set.masks.begin() + SpriteSet::padding; mask != end;) {
             for (std::int16_t& row : rows) {
                 for (std::int16_t& column : columns) {
                     row = std::max(row, *mask);
@@ -186,11 +187,9 @@ void findBoxes(SpriteSet& set) {
     for (SpriteBox& box : set.boxes) {
         const auto [firstRow, rows] = visible(peaks.rows, tint);
         const auto [firstColumn, columns] = visible(peaks.columns, tint);
-        const int width = (columns + spriteLanes - 1) / spriteLanes * spriteLanes;
-        const int column = std::min(firstColumn, set.stride - width); // So that no row is left at its end.
-        box = {static_cast<std::uint32_t>(firstRow * set.stride + column), static_cast<std::int16_t>(set.left + column),
-               static_cast<std::int16_t>(set.top + firstRow), static_cast<std::uint16_t>(width),
-               static_cast<std::uint16_t>(rows)};
+        box = {static_cast<std::uint32_t>(firstRow * set.stride + firstColumn),
+               static_cast<std::int16_t>(set.left + firstColumn), static_cast<std::int16_t>(set.top + firstRow),
+               static_cast<std::uint16_t>(columns), static_cast<std::uint16_t>(rows)};
         tint /= 2;
     }
 }
@@ -232,15 +231,17 @@ std::unique_ptr<SpriteSet> SpriteAtlas::make(int key) const {
     set->left = box.left - canvas.reach;
     set->top = box.top - canvas.reach;
     set->rows = box.bottom - box.top + 1;
-    set->stride = (width + spriteLanes - 1) / spriteLanes * spriteLanes;
-    set->masks.reserve(static_cast<std::size_t>(phases * phases) * static_cast<std::size_t>(set->rows * set->stride));
+    set->stride = width;
+    set->masks.assign(SpriteSet::padding, 0);
+    set->masks.reserve(static_cast<std::size_t>(phases * phases) * static_cast<std::size_t>(set->rows * width) +
+                       2 * SpriteSet::padding);
     for (int phase = 0; phase < phases * phases; ++phase) {
         for (int y = box.top; y <= box.bottom; ++y) {
             const std::int16_t* row = canvas.row(phase, y) + box.left;
             set->masks.insert(set->masks.end(), row, row + width);
-            set->masks.insert(set->masks.end(), static_cast<std::size_t>(set->stride - width), 0);
         }
     }
+    set->masks.insert(set->masks.end(), SpriteSet::padding, 0);
     findBoxes(*set);
     return set;
 }

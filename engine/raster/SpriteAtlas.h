@@ -19,16 +19,19 @@ struct SpriteBox {
     std::uint32_t offset = 0; ///< Of its first pixel in each mask.
     std::int16_t left = 0;    ///< First column, counted from the pixel that the centre falls into.
     std::int16_t top = 0;     ///< First row, likewise, downward.
-    std::uint16_t width = 0;  ///< Pixels to be drawn, a multiple of spriteLanes.
+    std::uint16_t width = 0;  ///< Pixels to be drawn.
     std::uint16_t rows = 0;   ///< 0: the tint is too faint to leave any light.
 };
 
 /// The spark image drawn at one size and angle, at every sub-pixel position. Masks are 16-bit fixed point: 32767 is all
-/// of the tint. Rows are padded with zeros to a multiple of spriteLanes.
+/// of the tint.
 struct SpriteSet {
     /// So many brightnesses of tints are told apart, each half as bright as the one before: a fainter spark is a
     /// smaller one, as its rim is rounded to nothing.
     static constexpr unsigned brightnesses = 8;
+
+    /// Pixels before the first mask and behind the last one, which kernels load but do not draw.
+    static constexpr std::size_t padding = spriteLanes;
 
     int left = 0;       ///< First column, counted from the pixel that the centre falls into.
     int top = 0;        ///< First row, likewise, downward.
@@ -42,7 +45,7 @@ struct SpriteSet {
     const std::int16_t* mask(unsigned phaseX, unsigned phaseY) const {
         const unsigned perAxis = 8U >> phaseShift;
         const std::size_t index = static_cast<std::size_t>(phaseY >> phaseShift) * perAxis + (phaseX >> phaseShift);
-        return masks.data() + index * static_cast<std::size_t>(rows) * static_cast<std::size_t>(stride);
+        return masks.data() + padding + index * static_cast<std::size_t>(rows) * static_cast<std::size_t>(stride);
     }
 
     /// What a tint (1..fullLight in its strongest channel) can make visible of any of the masks.

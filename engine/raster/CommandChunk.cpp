@@ -115,15 +115,22 @@ void CommandChunk::append(const Sprite& sprite, const TileGrid& grid) {
 
 void CommandChunk::appendTall(const Sprite& sprite, const TileGrid& grid) {
     const int end = std::min(sprite.top + sprite.rows, grid.height());
-    for (int first = std::max(sprite.top, 0); first < end;) {
-        const int next = std::min((first / TileGrid::tileHeight + 1) * TileGrid::tileHeight, end);
-        Sprite part = sprite;
-        part.top = first;
-        part.rows = next - first;
-        part.command.mask += static_cast<std::ptrdiff_t>(first - sprite.top) * sprite.command.stride;
-        append(part, grid);
-        first = next;
+    int row = std::max(sprite.top, 0);
+    makeRoomFor(static_cast<std::size_t>((end - row) / TileGrid::tileHeight + 2));
+    SparkCommand command = sprite.command;
+    command.mask += static_cast<std::ptrdiff_t>(row - sprite.top) * sprite.command.stride;
+    while (row < end) {
+        const int rowInBand = row % TileGrid::tileHeight;
+        const int rows = std::min(TileGrid::tileHeight - rowInBand, end - row);
+        command.place = static_cast<std::int32_t>(sprite.left + rowInBand * 3 * grid.planeStride());
+        command.rows = static_cast<std::uint16_t>(rows);
+        m_commands[m_count] = command;
+        m_tiles[m_count] = static_cast<std::uint32_t>(grid.tile(row / TileGrid::tileHeight, sprite.column));
+        ++m_count;
+        command.mask += static_cast<std::ptrdiff_t>(rows) * command.stride;
+        row += rows;
     }
+    markLit(sprite, grid);
 }
 
 void CommandChunk::markLit(const Sprite& sprite, const TileGrid& grid) {

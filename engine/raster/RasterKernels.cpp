@@ -135,6 +135,7 @@ HWY_INLINE void drawVectors(D d, const SparkCommand& command, std::uint16_t* out
     const auto green = hn::Set(d, command.green);
     const auto blue = hn::Set(d, command.blue);
     const std::int16_t* mask = command.mask - before;
+    const std::ptrdiff_t stride = command.stride;
     for (int row = command.rows; row > 0; --row) {
         for (int x = 0; x <= last; x += lanes) {
             auto m = hn::LoadU(d, mask + x);
@@ -148,7 +149,7 @@ HWY_INLINE void drawVectors(D d, const SparkCommand& command, std::uint16_t* out
             addTinted(d, m, green, out + planeStride + x);
             addTinted(d, m, blue, out + 2 * planeStride + x);
         }
-        mask += command.stride;
+        mask += stride;
         out += 3 * planeStride;
     }
 }
@@ -220,18 +221,20 @@ HWY_ATTR void Resolve(const LightBlock& block, const ResolveSettings& settings, 
     const auto green = hn::Set(d, settings.background[1]);
     const auto thirdGround = hn::Set(d, settings.background[swapped ? 0 : 2]);
     const auto opaque = hn::Set(d, std::uint16_t{0xFF00});
+    const int width = block.width; // The stores below could be to the block, for all that the compiler knows.
+    const std::ptrdiff_t secondPlane = block.planeStride;
     std::uint16_t* light = block.light;
     std::uint8_t* out = pixels;
     int x = 0;
     for (int row = 0; row < block.rows; ++row) {
-        for (x = 0; x + lanes <= block.width; x += lanes) {
+        for (x = 0; x + lanes <= width; x += lanes) {
             const auto first = takeLevels(d, light + firstPlane + x, firstGround);
-            const auto second = takeLevels(d, light + block.planeStride + x, green);
+            const auto second = takeLevels(d, light + secondPlane + x, green);
             const auto third = takeLevels(d, light + thirdPlane + x, thirdGround);
             hn::StoreInterleaved2(hn::Or(first, hn::ShiftLeft<8>(second)), hn::Or(third, opaque), d,
                                   reinterpret_cast<std::uint16_t*>(out + 4 * x));
         }
-        light += 3 * block.planeStride;
+        light += 3 * secondPlane;
         out += bytesPerRow;
     }
     if (x < block.width) {

@@ -122,8 +122,8 @@ HWY_INLINE hn::Vec<D> lanesFrom(D d, int first) {
     return hn::LoadU(d, laneMasks.data() + spriteLanes - first);
 }
 
-/// Adds one sprite whose pixels lie in `vectors` vectors of the light, which begin at `out`, `before` lanes left of its
-/// first pixel.
+/// Adds one sprite whose pixels lie in `count` vectors of the light, which begin at `out`, `before` lanes left of its
+/// first pixel; `vectors` is their number where the compiler is to know it, or 0.
 template <int vectors, class D>
 HWY_INLINE void drawVectors(D d, const SparkCommand& command, std::uint16_t* out, std::ptrdiff_t planeStride,
                             int before, int count) {
@@ -172,7 +172,8 @@ HWY_INLINE void drawSprite(const SparkCommand& command, std::uint16_t* light, st
         drawVectors<1>(d, command, out, planeStride, 0, 1);
         return;
     }
-    // Vectors that straddle cache lines take half as long again.
+    // Adding to vectors that straddle cache lines takes almost twice as long. Two vectors in place of one would not
+    // pay.
     const int before = command.place & (lanes - 1);
     out -= before;
     const int count = (before + command.width + lanes - 1) / lanes;

@@ -31,6 +31,9 @@
 #include <utility>
 
 #include <fontconfig/fontconfig.h>
+#include <pthread.h>
+#include <sched.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -110,6 +113,7 @@ starbloom::AppFolder applicationFolder() {
 /// Does what needs no toolkit while that connects to the window system: the fonts for the first text, and the stores.
 /// What fails here fails again, and is told of, where it is needed.
 void prepare(starbloom::Stores* stores) {
+    setpriority(PRIO_PROCESS, 0, 5); // Of this thread: the screen's server goes first, which the main thread waits for.
     try {
         FcInit();
         if (stores != nullptr) {
@@ -118,6 +122,18 @@ void prepare(starbloom::Stores* stores) {
         starbloom::spark();
     } catch (const std::exception&) {
         return;
+    }
+}
+
+/// Sends a thread that was just started to the other processors. Left alone it may begin on this one, where the two
+/// would take turns of some milliseconds although another processor is idle.
+void moveAside(std::jthread& thread) {
+    cpu_set_t others;
+    if (sched_getaffinity(0, sizeof others, &others) == 0) {
+        CPU_CLR(sched_getcpu(), &others);
+        if (CPU_COUNT(&others) > 0) {
+            pthread_setaffinity_np(thread.native_handle(), sizeof others, &others);
+        }
     }
 }
 
@@ -134,6 +150,7 @@ int main(int argc, char** argv) {
     starbloom::Stores stores(folder);
     // With arguments it may be that only the version is asked for.
     std::jthread preparation(&prepare, argc == 1 ? &stores : nullptr);
+    moveAside(preparation);
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
     preparation.join(); // What follows may end the program.

@@ -24,6 +24,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <functional>
+#include <latch>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -111,8 +113,9 @@ starbloom::AppFolder applicationFolder() {
 }
 
 /// Does what needs no toolkit while that connects to the window system: the fonts for the first text, and the stores.
-/// What fails here fails again, and is told of, where it is needed.
-void prepare(starbloom::Stores* stores) {
+/// What fails here fails again, and is told of, where it is needed. Begins when the thread has been moved.
+void prepare(starbloom::Stores* stores, std::latch& moved) {
+    moved.wait(); // A thread that has ended cannot be moved: its number would mean the one that asks.
     setpriority(PRIO_PROCESS, 0, 5); // Of this thread: the screen's server goes first, which the main thread waits for.
     try {
         FcInit();
@@ -149,8 +152,10 @@ int main(int argc, char** argv) {
     const starbloom::AppFolder folder = applicationFolder();
     starbloom::Stores stores(folder);
     // With arguments it may be that only the version is asked for.
-    std::jthread preparation(&prepare, argc == 1 ? &stores : nullptr);
+    std::latch moved(1);
+    std::jthread preparation(&prepare, argc == 1 ? &stores : nullptr, std::ref(moved));
     moveAside(preparation);
+    moved.count_down();
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
     preparation.join(); // What follows may end the program.

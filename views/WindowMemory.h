@@ -18,7 +18,8 @@ namespace starbloom {
 /// When a widget is painted again, the toolkit asks an X11 server whether it has read the last frame out of the memory
 /// that both share, and waits for the answer: three threads wake up for it. Here that question is left out when it need
 /// not be asked: when the server has taken all that was sent to it, which a frame later is nearly always so. A server
-/// that is behind is waited for as ever.
+/// that is behind is waited for as ever. One that is stopped between taking a frame and showing it may show parts of
+/// the next one with it, until that is shown as a whole.
 ///
 /// GUI thread.
 class WindowMemory {

@@ -2,7 +2,10 @@
 #include "engine/raster/FrameCrew.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
+
+#include <sched.h>
 
 namespace starbloom {
 
@@ -21,18 +24,15 @@ FrameCrew::~FrameCrew() {
 }
 
 void FrameCrew::run(std::size_t tasks, std::size_t most, const Call& call) {
-    const std::size_t workers = std::min({tasks, most, m_count});
-    while (m_helpers.size() + 1 < workers) {
-        m_helpers.emplace_back(&FrameCrew::help, this, m_helpers.size() + 1);
-    }
+    const std::size_t helpers = makeHelpers(std::max<std::size_t>(std::min({tasks, most, m_count}), 1) - 1);
     m_call = &call;
     m_tasks = tasks;
     m_next = 0;
     {
         const std::scoped_lock lock(m_mutex);
-        m_wanted = workers > 1 ? workers - 1 : 0;
+        m_wanted = helpers;
     }
-    for (std::size_t helper = 1; helper < workers; ++helper) {
+    for (std::size_t helper = 0; helper < helpers; ++helper) {
         m_called.notify_one();
     }
     work(0);
@@ -42,6 +42,27 @@ void FrameCrew::run(std::size_t tasks, std::size_t most, const Call& call) {
     if (m_failure) {
         std::rethrow_exception(std::exchange(m_failure, nullptr));
     }
+}
+
+std::size_t FrameCrew::worthwhile(double milliseconds) const {
+    return static_cast<std::size_t>(std::clamp(milliseconds, 1.0, static_cast<double>(m_count)));
+}
+
+std::size_t FrameCrew::usableProcessors() {
+    cpu_set_t processors;
+    const bool known = sched_getaffinity(0, sizeof processors, &processors) == 0;
+    return known ? static_cast<std::size_t>(CPU_COUNT(&processors)) : std::thread::hardware_concurrency();
+}
+
+std::size_t FrameCrew::makeHelpers(std::size_t wanted) {
+    try {
+        while (m_helpers.size() < wanted) {
+            m_helpers.emplace_back(&FrameCrew::help, this, m_helpers.size() + 1);
+        }
+    } catch (const std::system_error&) {
+        return m_helpers.size();
+    }
+    return wanted;
 }
 
 void FrameCrew::help(std::size_t worker) {

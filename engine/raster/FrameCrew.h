@@ -19,11 +19,13 @@ namespace starbloom {
 /// that follow one another at once. On a screen the next one begins ten milliseconds later, and the looking out takes
 /// as much processor time as drawing a frame.
 ///
-/// Threads are started when first needed, and end with the crew. share() may be called from one thread at a time.
+/// Threads are started when first needed, and end with the crew; without those that the system refuses the caller does
+/// the work. share() may be called from one thread at a time.
 class FrameCrew final : public Workers {
 public:
-    /// `count` includes the thread that calls share().
-    explicit FrameCrew(std::size_t count = std::thread::hardware_concurrency());
+    /// `count` includes the thread that calls share(). By default there are as many as processors that the program may
+    /// use.
+    explicit FrameCrew(std::size_t count = usableProcessors());
     ~FrameCrew() override;
 
     FrameCrew(const FrameCrew&) = delete;
@@ -31,10 +33,15 @@ public:
 
     std::size_t count() const override { return m_count; }
 
+    /// Each has a millisecond or more to do. For less, waking it costs more than it saves the caller.
+    std::size_t worthwhile(double milliseconds) const override;
+
 protected:
     void run(std::size_t tasks, std::size_t most, const Call& call) override;
 
 private:
+    static std::size_t usableProcessors();
+    std::size_t makeHelpers(std::size_t wanted);
     void help(std::size_t worker);
     void work(std::size_t worker);
 

@@ -34,10 +34,9 @@ ResolveSettings resolveSettings(const Color& background, PixelOrder order) {
             order};
 }
 
-/// So many workers have about a millisecond each. Waking others for less costs them more than it saves the caller.
-std::size_t worthwhileWorkers(std::span<const SparkBatch> sparks, const RasterRenderer::View& view,
-                              const RasterTarget& target) {
-    constexpr double pixels = 1'500'000.0;  // In a millisecond, roughly.
+/// How long one thread would take, roughly. Milliseconds.
+double drawingTime(std::span<const SparkBatch> sparks, const RasterRenderer::View& view, const RasterTarget& target) {
+    constexpr double pixels = 1'500'000.0;  // In a millisecond.
     constexpr double usualSparks = 4'000.0; // At one pixel per point.
     std::size_t count = 0;
     for (const SparkBatch& batch : sparks) {
@@ -45,7 +44,7 @@ std::size_t worthwhileWorkers(std::span<const SparkBatch> sparks, const RasterRe
     }
     const double ofPixels = static_cast<double>(target.width) * target.height / pixels;
     const double ofSparks = static_cast<double>(count) * view.pixelsPerPoint * view.pixelsPerPoint / usualSparks;
-    return static_cast<std::size_t>(std::min(std::max({ofPixels, ofSparks, 1.0}), 1'000.0));
+    return std::max(ofPixels, ofSparks);
 }
 
 } // namespace
@@ -75,7 +74,7 @@ private:
     bool makeMissingSprites();
     void gatherLit(int band, std::vector<std::uint8_t>& cells) const;
     void drawBand(int band, BandMemory& memory, const View& view, const RasterTarget& target, LitArea& lit);
-    void chooseWorkers(std::size_t worthwhile);
+    void chooseWorkers(double drawingTime);
     template <typename Task>
     void forEach(std::size_t count, const Task& task) const;
 
@@ -101,9 +100,9 @@ void RasterRenderer::Frame::forEach(std::size_t count, const Task& task) const {
     }
 }
 
-void RasterRenderer::Frame::chooseWorkers(std::size_t worthwhile) {
+void RasterRenderer::Frame::chooseWorkers(double drawingTime) {
+    m_mostWorkers = m_workers != nullptr ? m_workers->worthwhile(drawingTime) : 1;
     const std::size_t present = m_workers != nullptr ? m_workers->count() : 1;
-    m_mostWorkers = std::min(worthwhile, present);
     if (m_bands.size() < present) {
         m_bands.resize(present);
     }
@@ -114,7 +113,7 @@ void RasterRenderer::Frame::render(std::span<const SparkBatch> sparks, const Vie
     m_grid = TileGrid(target.width, target.height);
     lit.begin(target.width, target.height, view.background);
     splitIntoChunks(sparks, view, target);
-    chooseWorkers(worthwhileWorkers(sparks, view, target));
+    chooseWorkers(drawingTime(sparks, view, target));
     forgetSprites();
     do {
         placeSparks();

@@ -15,6 +15,9 @@ public:
     /// How many can work at once, the caller included.
     virtual std::size_t count() const = 0;
 
+    /// How many it is worth to have at work that takes one of them so many milliseconds; 1 or more.
+    virtual std::size_t worthwhile(double milliseconds) const = 0;
+
     /// Calls `task(index, worker)` once for each index below `tasks`, in any order, and returns when all are done. Of
     /// tasks that run at the same time each has another worker, below count(); 0 may be the caller. More than `most`
     /// workers would be wasted. What a task throws comes out here, and then some of the others have not been done.

@@ -165,7 +165,7 @@ TEST(RasterRenderer, bytesDoNotDependOnThreadsOrVectors) {
         double zoom;
         std::size_t sparks;
     } cases[] = {{333, 217, 1.0, 200}, {333, 217, 1.5, 200}, {333, 217, 2.0, 200}, {1, 1, 1.0, 20},
-                 {5, 3, 2.0, 20},      {64, 640, 1.0, 100},  {640, 33, 1.0, 100},  {500, 400, 1.0, 20'000}};
+                 {5, 3, 2.0, 20},      {64, 640, 1.0, 100},  {640, 33, 1.0, 100},  {500, 400, 2.0, 20'000}};
 
     for (const auto& each : cases) {
         const auto zoom = static_cast<float>(each.zoom);

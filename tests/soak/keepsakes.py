@@ -4,6 +4,7 @@ hidden files that should be gone. Each function gives a list of complaints, empt
 import contextlib
 import pathlib
 import plistlib
+import os
 import re
 import shutil
 import sqlite3
@@ -40,6 +41,7 @@ def _store(file, table, keys):
                 if each.is_file() and ".damaged-" not in each.name:
                     shutil.copy(each, copy)
             with contextlib.closing(sqlite3.connect(pathlib.Path(copy, file.name))) as database:
+                database.text_factory = os.fsdecode  # Values can be paths, and those any bytes.
                 sound = database.execute("pragma integrity_check").fetchall()
                 rows = database.execute(f"select field, value from {table} order by ID").fetchall()
         except (OSError, sqlite3.Error) as failure:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/StageView.h"
 #include "engine/panel/FireworksController.h"
+#include "views/WindowMemory.h"
 
 #include <QBackingStore>
 #include <QLabel>
@@ -76,6 +77,9 @@ struct Theatre {
     /// The pixels of the whole window, as an X11 screen has them, or as they go to another.
     QImage screenshot() {
         if (QGuiApplication::platformName() == "xcb") {
+            const auto* memory = dynamic_cast<QImage*>(window.backingStore()->paintDevice());
+            EXPECT_EQ(memory != nullptr && WindowMemory::isShared(memory->constBits()),
+                      !qEnvironmentVariableIsSet("QT_XCB_NO_MITSHM"));
             return stage.screen()->grabWindow(window.winId()).toImage().convertToFormat(QImage::Format_RGB32);
         }
         const auto* pixels = dynamic_cast<QImage*>(window.backingStore()->paintDevice());

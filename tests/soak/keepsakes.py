@@ -2,9 +2,9 @@
 """Looks at what the program leaves on the disk: its stores, its property lists, exported pictures and movies, and
 hidden files that should be gone. Each function gives a list of complaints, empty when all is well."""
 import contextlib
+import os
 import pathlib
 import plistlib
-import os
 import re
 import shutil
 import sqlite3

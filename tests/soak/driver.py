@@ -190,6 +190,7 @@ class Driver:
         while True:
             self.check_running()
             if not self.popups() and not self.modals():
+                self.check_answers()  # What the last keys asked for may be on its way, on a busy machine for long.
                 time.sleep(0.1)
                 if colour := self.window("Background Color"):
                     self.focus(colour)

@@ -5,11 +5,17 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QWidget>
+#include <QEvent>
+
+#include <utility>
 
 namespace starbloom {
 
 namespace {
+
+void bringBack(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+}
 
 /// The windows of the application that are open, be they minimized or not; what pops up is none.
 QWidgetList openWindows() {
@@ -44,15 +50,29 @@ void WindowCommands::close() {
 void WindowCommands::hideApp() {
     for (QWidget* each : openWindows()) {
         // Desktops minimize a window's tools with it, and offer no way to bring one back alone.
-        if (each->windowType() != Qt::Tool) {
+        if (each->windowType() != Qt::Tool && !each->isMinimized()) {
             each->setWindowState(each->windowState() | Qt::WindowMinimized);
+            each->installEventFilter(this);
+            m_hidden.emplace_back(each);
         }
     }
 }
 
+bool WindowCommands::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::WindowStateChange && !static_cast<QWidget*>(object)->isMinimized()) {
+        for (const QPointer<QWidget>& each : std::exchange(m_hidden, {})) {
+            if (each != nullptr) {
+                each->removeEventFilter(this);
+                bringBack(*each);
+            }
+        }
+    }
+    return QObject::eventFilter(object, event);
+}
+
 void WindowCommands::showAll() {
     for (QWidget* each : openWindows()) {
-        each->setWindowState(each->windowState() & ~Qt::WindowMinimized);
+        bringBack(*each);
     }
     bringFront();
 }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
+#include <QWidget>
 
-class QWidget;
+#include <vector>
 
 namespace starbloom {
 
@@ -21,7 +23,7 @@ public:
     /// Closes the window that the user works in.
     void close();
 
-    /// Minimizes all windows.
+    /// Minimizes all windows. They come back together, whichever of them the user asks the desktop for.
     void hideApp();
 
     /// Brings all windows back, the ones that are minimized, too.
@@ -30,8 +32,12 @@ public:
     /// Puts all windows that can be seen above those of other applications.
     void bringFront();
 
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
 private:
     QWidget& m_mainWindow;
+    std::vector<QPointer<QWidget>> m_hidden;
 };
 
 } // namespace starbloom

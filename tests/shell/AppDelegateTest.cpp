@@ -246,6 +246,20 @@ TEST_F(FirstLaunchTest, BringsTheIntroductionWhichMakesWayAndGoesWithTheMainWind
     EXPECT_TRUE(guide.isEnabled());
 }
 
+TEST_F(FirstLaunchTest, WindowsHiddenTogetherComeBackTogether) {
+    AppDelegate app(AppFolder(home.path()), around.with());
+    app.launch();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return introduction() != nullptr && introduction()->isVisible(); }));
+    app.window().menus().action(Command::AppHideapp).trigger();
+    EXPECT_TRUE(app.window().isMinimized() && introduction()->isMinimized());
+    app.window().setWindowState(Qt::WindowNoState); // As somebody does who picks one of them from the desktop's bar.
+    EXPECT_FALSE(introduction()->isMinimized());
+    introduction()->showMinimized();
+    app.window().showMinimized();
+    app.window().setWindowState(Qt::WindowNoState);
+    EXPECT_TRUE(introduction()->isMinimized()); // Each by itself comes back by itself.
+}
+
 TEST_F(FirstLaunchTest, SwitchedOffTheIntroductionStaysAwayAndItsCommandIsThere) {
     skipIntroduction(home);
     AppDelegate app(AppFolder(home.path()), around.with());

@@ -227,10 +227,12 @@ class Driver:
     # Checks.
 
     def check_answers(self):
-        window = self.main() or (self.windows() or [None])[-1]
-        if window and not self.screen.answers(window.xid, PATIENCE):
+        """The main window is there all along, if perhaps minimized; others may close while they are asked."""
+        end = time.monotonic() + PATIENCE
+        while not self.screen.answers(self.main_xid, PATIENCE / 4):
             self.check_running()
-            raise Finding("does not answer\n" + self.program.stacks())
+            if time.monotonic() > end:
+                raise Finding("does not answer\n" + self.program.stacks())
 
     def check_kept(self):
         home = self.home

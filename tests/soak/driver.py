@@ -152,7 +152,7 @@ class Driver:
                 self.comes(self.main, PATIENCE / 5)
                 main = self.main()
         if main is None:
-            raise Finding(f"the main window does not come back\n{self._describe()}")
+            raise Finding(f"the main window does not come back\n{self._describe()}\n{self.program.stacks()}")
         self.focus(main)
         return main
 

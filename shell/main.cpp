@@ -7,6 +7,7 @@
 #include "shell/LoadedEncoders.h"
 #include "shell/LoadedPrintSystem.h"
 #include "shell/LogCategories.h"
+#include "shell/Preparation.h"
 #include "shell/QtDelayedCalls.h"
 #include "shell/ScreenRenderer.h"
 #include "shell/ShowSeed.h"
@@ -23,19 +24,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
-#include <functional>
-#include <latch>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
-
-#include <fontconfig/fontconfig.h>
-#include <pthread.h>
-#include <sched.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -112,34 +105,6 @@ starbloom::AppFolder applicationFolder() {
     return starbloom::AppFolder(dataHome ? dataHome.value() : std::filesystem::path());
 }
 
-/// Does what needs no toolkit while that connects to the window system: the fonts for the first text, and the stores.
-/// What fails here fails again, and is told of, where it is needed. Begins when the thread has been moved.
-void prepare(starbloom::Stores* stores, std::latch& moved) {
-    moved.wait(); // A thread that has ended cannot be moved: its number would mean the one that asks.
-    setpriority(PRIO_PROCESS, 0, 5); // Of this thread: the screen's server goes first, which the main thread waits for.
-    try {
-        FcInit();
-        if (stores != nullptr) {
-            stores->prepare();
-        }
-        starbloom::spark();
-    } catch (const std::exception&) {
-        return;
-    }
-}
-
-/// Sends a thread that was just started to the other processors. Left alone it may begin on this one, where the two
-/// would take turns of some milliseconds although another processor is idle.
-void moveAside(std::jthread& thread) {
-    cpu_set_t others;
-    if (sched_getaffinity(0, sizeof others, &others) == 0) {
-        CPU_CLR(sched_getcpu(), &others);
-        if (CPU_COUNT(&others) > 0) {
-            pthread_setaffinity_np(thread.native_handle(), sizeof others, &others);
-        }
-    }
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -151,14 +116,13 @@ int main(int argc, char** argv) {
     usualHandler = qInstallMessageHandler(refuseInsteadOfAborting);
     const starbloom::AppFolder folder = applicationFolder();
     starbloom::Stores stores(folder);
-    // With arguments it may be that only the version is asked for.
-    std::latch moved(1);
-    std::jthread preparation(&prepare, argc == 1 ? &stores : nullptr, std::ref(moved));
-    moveAside(preparation);
-    moved.count_down();
+    // With arguments it may be that only the version is asked for, which ends the program at once.
+    const bool launches = argc == 1;
+    std::jthread preparation = starbloom::startAside([&] { starbloom::prepare(launches ? &stores : nullptr); });
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
-    preparation.join(); // What follows may end the program.
+    preparation.join();
+    const std::jthread fonts = launches ? starbloom::startLookingThroughFonts() : std::jthread();
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("net.starbloom.Starbloom"));
     readArguments(application);

@@ -6,9 +6,11 @@ import math
 import statistics
 
 OURS = "Starbloom"
+UNPACED = "Starbloom unpaced"
+LIMIT = "bare blit"
 COLORS = {
     OURS: "#c2410c",
-    "bare blit": "#a8a29e",
+    LIMIT: "#a8a29e",
     "Qt Quick Particles": "#15803d",
     "PixiJS": "#7e22ce",
     "canvas 2D": "#0369a1",
@@ -43,19 +45,26 @@ def spread(rows):
     return f"{max(100 * (max(f.cpu_ms for f in rounds) / min(f.cpu_ms for f in rounds) - 1) for rounds in rows):.0f} %"
 
 
+def ratios(found, size, counts, engine, other):
+    times = [f"{middle(found[engine, count, *size]) / middle(found[other, count, *size]):.1f}" for count in counts]
+    return f"| *{engine}, times {other}* | {' | '.join(times)} | |"
+
+
 def tables(found, sizes, counts, engines):
     lines = []
     for size in sizes:
         lines += ["Milliseconds of processor time for a frame:", ""]
         lines += table(found, size, counts, engines, lambda rounds: number(middle(rounds)), ("spread", spread))
         if OURS in engines:
-            ours = {count: middle(found[OURS, count, *size]) for count in counts}
             for engine in engines:
-                if engine not in (OURS, "bare blit"):
-                    ratios = [f"{middle(found[engine, count, *size]) / ours[count]:.1f}" for count in counts]
-                    lines.append(f"| *{engine}, times Starbloom* | {' | '.join(ratios)} | |")
+                if engine not in (OURS, UNPACED, LIMIT):
+                    lines.append(ratios(found, size, counts, engine, OURS))
+        if UNPACED in engines:
+            for engine, other in ("Qt Quick Particles", UNPACED), (UNPACED, LIMIT):
+                if {engine, other} <= set(engines):
+                    lines.append(ratios(found, size, counts, engine, other))
         lines += ["", "Frames per second:", ""]
-        played = [engine for engine in engines if engine != "bare blit"]
+        played = [engine for engine in engines if engine != LIMIT]
         lines += table(found, size, counts, played,
                        lambda rounds: number(statistics.median(f.frames_per_second for f in rounds)))
         lines.append("")
@@ -131,7 +140,7 @@ class Plot:
     def draw_lines(self):
         for engine, values in self.lines.items():
             points = " ".join(f"{self.x(count):.1f},{self.y(value):.1f}" for count, value in zip(self.counts, values))
-            dashes = ' stroke-dasharray="5 4"' if engine == "bare blit" else ""
+            dashes = ' stroke-dasharray="5 4"' if engine == LIMIT else ""
             thickness = 3 if engine == OURS else 1.8
             self.parts.append(f'<polyline points="{points}" fill="none" stroke="{COLORS[engine]}" '
                               f'stroke-width="{thickness}" stroke-linejoin="round"{dashes}/>')
@@ -144,7 +153,7 @@ class Plot:
         heights = apart([self.y(self.lines[engine][-1]) for engine in order], 18)
         for engine, height in zip(order, heights):
             weight = ' font-weight="700"' if engine == OURS else ""
-            color = "#78716c" if engine == "bare blit" else COLORS[engine]
+            color = "#78716c" if engine == LIMIT else COLORS[engine]
             self.text(RIGHT + 14, height + 4, "start", color, engine, weight)
 
     def svg(self):
@@ -155,5 +164,6 @@ class Plot:
 
 
 def plot(found, size, counts, engines):
-    lines = {engine: [middle(found[engine, count, *size]) for count in counts] for engine in engines}
+    lines = {engine: [middle(found[engine, count, *size]) for count in counts]
+             for engine in engines if engine != UNPACED}
     return Plot(size, counts, lines).svg()

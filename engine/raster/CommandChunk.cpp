@@ -30,6 +30,7 @@ void CommandChunk::begin() {
 
 void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atlases atlases) {
     m_count = 0;
+    makeRoomFor(2 * capacity); // For all that are not tall: nobody has to ask then.
     m_missing.clear();
     m_lit.assign(grid.cells().count(), 0);
     PlacedSparks placed;
@@ -41,6 +42,54 @@ void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atl
         }
     }
     sortByTile(grid);
+}
+
+// These two are called for each spark: not inlined they would have it written to memory and read back.
+[[gnu::always_inline]] inline void CommandChunk::markLit(const Sprite& sprite, const TileGrid& grid) {
+    const int firstColumn = std::max(sprite.left, 0) / CellGrid::cellWidth;
+    const int lastColumn = (std::min(sprite.left + sprite.command.width, grid.width()) - 1) / CellGrid::cellWidth;
+    const int firstRow = std::max(sprite.top, 0) / CellGrid::cellHeight;
+    const int lastRow = (std::min(sprite.top + sprite.rows, grid.height()) - 1) / CellGrid::cellHeight;
+    std::uint8_t* first = m_lit.data() + grid.cells().index(firstRow, 0);
+    std::uint8_t* last = m_lit.data() + grid.cells().index(lastRow, 0);
+    if (sprite.command.width <= CellGrid::cellWidth && sprite.rows <= CellGrid::cellHeight) {
+        first[firstColumn] = first[lastColumn] = last[firstColumn] = last[lastColumn] = 1;
+        return;
+    }
+    for (; first <= last; first += grid.cells().columns) {
+        std::fill(first + firstColumn, first + lastColumn + 1, std::uint8_t{1});
+    }
+}
+
+[[gnu::always_inline]] inline void CommandChunk::append(const Sprite& sprite, const TileGrid& grid) {
+    if (sprite.rows > TileGrid::tileHeight) {
+        appendTall(sprite, grid);
+        return;
+    }
+    // In one band or in two, which cannot be foreseen: both commands are written, and one or two are counted.
+    const int first = std::max(sprite.top, 0);
+    const int end = std::min(sprite.top + sprite.rows, grid.height());
+    const int band = first / TileGrid::tileHeight;
+    const int firstEnd = std::min((band + 1) * TileGrid::tileHeight, end);
+    // Value by value: what was just written in pieces and is read as a whole has to wait for the cache.
+    const auto place = [&](SparkCommand& command, int row, int rowInBand, int rows) {
+        const SparkCommand& from = sprite.command;
+        command.mask = from.mask + static_cast<std::ptrdiff_t>(row - sprite.top) * from.stride;
+        command.place = from.place + static_cast<std::int32_t>(rowInBand * 3 * grid.planeStride());
+        command.rows = static_cast<std::uint16_t>(rows);
+        command.width = from.width;
+        command.stride = from.stride;
+        command.red = from.red;
+        command.green = from.green;
+        command.blue = from.blue;
+    };
+    place(m_commands[m_count], first, first % TileGrid::tileHeight, firstEnd - first);
+    place(m_commands[m_count + 1], firstEnd, 0, end - firstEnd);
+    const auto tile = static_cast<std::uint32_t>(grid.tile(band, sprite.column));
+    m_tiles[m_count] = tile;
+    m_tiles[m_count + 1] = tile + static_cast<std::uint32_t>(grid.columns());
+    m_count += end > firstEnd ? 2 : 1;
+    markLit(sprite, grid);
 }
 
 void CommandChunk::appendCommands(const PlacedSparks& placed, std::size_t count, std::uint16_t atlasIndex,
@@ -87,36 +136,10 @@ void CommandChunk::appendCommands(const PlacedSparks& placed, std::size_t count,
     }
 }
 
-void CommandChunk::append(const Sprite& sprite, const TileGrid& grid) {
-    if (sprite.rows > TileGrid::tileHeight) {
-        appendTall(sprite, grid);
-        return;
-    }
-    // In one band or in two, which cannot be foreseen: both commands are written, and one or two are counted.
-    makeRoomFor(2);
-    const int first = std::max(sprite.top, 0);
-    const int end = std::min(sprite.top + sprite.rows, grid.height());
-    const int band = first / TileGrid::tileHeight;
-    const int firstEnd = std::min((band + 1) * TileGrid::tileHeight, end);
-    const auto place = [&](SparkCommand& command, int row, int rowInBand, int rows) {
-        command = sprite.command;
-        command.mask += static_cast<std::ptrdiff_t>(row - sprite.top) * sprite.command.stride;
-        command.place += static_cast<std::int32_t>(rowInBand * 3 * grid.planeStride());
-        command.rows = static_cast<std::uint16_t>(rows);
-    };
-    place(m_commands[m_count], first, first % TileGrid::tileHeight, firstEnd - first);
-    place(m_commands[m_count + 1], firstEnd, 0, end - firstEnd);
-    const auto tile = static_cast<std::uint32_t>(grid.tile(band, sprite.column));
-    m_tiles[m_count] = tile;
-    m_tiles[m_count + 1] = tile + static_cast<std::uint32_t>(grid.columns());
-    m_count += end > firstEnd ? 2 : 1;
-    markLit(sprite, grid);
-}
-
 void CommandChunk::appendTall(const Sprite& sprite, const TileGrid& grid) {
     const int end = std::min(sprite.top + sprite.rows, grid.height());
     int row = std::max(sprite.top, 0);
-    makeRoomFor(static_cast<std::size_t>((end - row) / TileGrid::tileHeight + 2));
+    makeRoomFor(static_cast<std::size_t>((end - row) / TileGrid::tileHeight + 2) + 2 * capacity); // See place().
     SparkCommand command = sprite.command;
     command.mask += static_cast<std::ptrdiff_t>(row - sprite.top) * sprite.command.stride;
     while (row < end) {
@@ -131,22 +154,6 @@ void CommandChunk::appendTall(const Sprite& sprite, const TileGrid& grid) {
         row += rows;
     }
     markLit(sprite, grid);
-}
-
-void CommandChunk::markLit(const Sprite& sprite, const TileGrid& grid) {
-    const int firstColumn = std::max(sprite.left, 0) / CellGrid::cellWidth;
-    const int lastColumn = (std::min(sprite.left + sprite.command.width, grid.width()) - 1) / CellGrid::cellWidth;
-    const int firstRow = std::max(sprite.top, 0) / CellGrid::cellHeight;
-    const int lastRow = (std::min(sprite.top + sprite.rows, grid.height()) - 1) / CellGrid::cellHeight;
-    std::uint8_t* first = m_lit.data() + grid.cells().index(firstRow, 0);
-    std::uint8_t* last = m_lit.data() + grid.cells().index(lastRow, 0);
-    if (sprite.command.width <= CellGrid::cellWidth && sprite.rows <= CellGrid::cellHeight) {
-        first[firstColumn] = first[lastColumn] = last[firstColumn] = last[lastColumn] = 1;
-        return;
-    }
-    for (; first <= last; first += grid.cells().columns) {
-        std::fill(first + firstColumn, first + lastColumn + 1, std::uint8_t{1});
-    }
 }
 
 void CommandChunk::makeRoomFor(std::size_t more) {

@@ -157,7 +157,7 @@ HWY_INLINE void drawVectors(D d, const SparkCommand& command, std::uint16_t* out
 /// Has the mask of a sprite fetched that is drawn soon; what is beyond the first rows the processor foresees by itself.
 HWY_INLINE void prefetchMask(const SparkCommand& command) {
     constexpr int line = 64 / static_cast<int>(sizeof(std::int16_t));
-    const int pixels = std::min(command.rows * command.stride, 8 * line);
+    const int pixels = std::min(command.rows * command.stride, 4 * line);
     for (int i = 0; i < pixels; i += line) {
         hwy::Prefetch(command.mask + i);
     }

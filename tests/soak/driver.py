@@ -13,6 +13,9 @@ PATIENCE = 40
 # An animation of a window, a delayed save: after this long nothing changes by itself any more.
 REST = 0.5
 
+# The leak check at the end stumbles over a thread that ends at the same moment: one of some hundred ends.
+BROKEN_CHECK = "LeakSanitizer has encountered a fatal error"
+
 MAIN = "Starbloom"
 COMPANIONS = ("Settings", "Introduction", "Emitter Guide")
 PROGRESS = "Movie"
@@ -46,6 +49,7 @@ class Driver:
         self.main_xid = 0
         self.measured = []  # Of this run, seconds, MB and descriptors, each time it was idle.
         self.seen = {}  # Exports that were looked at already, with their size.
+        self.broken_checks = 0
 
     # Start and end.
 
@@ -62,7 +66,7 @@ class Driver:
         self.check_reports()
 
     def check_reports(self):
-        reports = self.program.reports()
+        reports = [each for each in self.program.reports() if BROKEN_CHECK not in each]
         if reports:
             self.program.wait(20)
             raise Finding("sanitizer: " + "\n".join(each[:6000] for each in reports))
@@ -71,6 +75,9 @@ class Driver:
         """After its end, with the statuses that the monkey can have caused. Looks at what it left behind."""
         status = self.program.status()
         self.check_reports()
+        if status == SANITIZER_EXIT and self.program.reports():
+            self.broken_checks += 1
+            status = 0  # It had come to its own end.
         if status == SANITIZER_EXIT:
             raise Finding("a sanitizer ended it without a report")
         if status not in accepted:

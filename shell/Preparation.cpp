@@ -10,6 +10,7 @@
 #include <exception>
 #include <latch>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include <fontconfig/fontconfig.h>
@@ -37,10 +38,15 @@ void moveAside(std::jthread& thread) {
 std::jthread startAside(std::function<void()> task) {
     // A thread that has ended cannot be moved: its number would mean the one that asks.
     const auto moved = std::make_shared<std::latch>(1);
-    std::jthread thread([moved, task = std::move(task)] {
-        moved->wait();
-        task();
-    });
+    std::jthread thread;
+    try {
+        thread = std::jthread([moved, task = std::move(task)] {
+            moved->wait();
+            task();
+        });
+    } catch (const std::system_error&) {
+        return thread;
+    }
     moveAside(thread);
     moved->count_down();
     return thread;

@@ -11,7 +11,8 @@ class Stores;
 // What the launch has done on another processor, while the main thread does what only it can do. Nothing here is
 // needed: what is not ready, or fails, is done again where it is needed, and told of there.
 
-/// Does it on a thread of its own, on another processor if there is one. The task may not throw.
+/// Does it on a thread of its own, on another processor if there is one; gives none where the system has no thread
+/// left, and does nothing then. The task may not throw.
 std::jthread startAside(std::function<void()> task);
 
 /// Does what needs no toolkit, while that connects to the window system: the fonts' configuration, the stores (unless

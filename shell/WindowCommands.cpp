@@ -59,13 +59,16 @@ void WindowCommands::hideApp() {
 }
 
 bool WindowCommands::eventFilter(QObject* object, QEvent* event) {
-    if (event->type() == QEvent::WindowStateChange && !static_cast<QWidget*>(object)->isMinimized()) {
+    auto& window = static_cast<QWidget&>(*object);
+    if (event->type() == QEvent::WindowStateChange && !window.isMinimized()) {
         for (const QPointer<QWidget>& each : std::exchange(m_hidden, {})) {
             if (each != nullptr) {
                 each->removeEventFilter(this);
                 bringBack(*each);
             }
         }
+        window.raise();
+        window.activateWindow();
     }
     return QObject::eventFilter(object, event);
 }

@@ -23,7 +23,8 @@ public:
     /// Closes the window that the user works in.
     void close();
 
-    /// Minimizes all windows. They come back together, whichever of them the user asks the desktop for.
+    /// Minimizes all windows. Those that this minimized come back together, whichever of them the user asks the desktop
+    /// for; that one comes to the front.
     void hideApp();
 
     /// Brings all windows back, the ones that are minimized, too.

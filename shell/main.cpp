@@ -121,7 +121,9 @@ int main(int argc, char** argv) {
     std::jthread preparation = starbloom::startAside([&] { starbloom::prepare(launches ? &stores : nullptr); });
     starbloom::Application application(argc, argv);
     qInstallMessageHandler(usualHandler);
-    preparation.join();
+    if (preparation.joinable()) {
+        preparation.join();
+    }
     const std::jthread fonts = launches ? starbloom::startLookingThroughFonts() : std::jthread();
     describe(application);
     QApplication::setDesktopFileName(QStringLiteral("net.starbloom.Starbloom"));

@@ -10,6 +10,7 @@ UNPACED = "Starbloom unpaced"
 LIMIT = "bare blit"
 COLORS = {
     OURS: "#c2410c",
+    UNPACED: "#c2410c",
     LIMIT: "#a8a29e",
     "Qt Quick Particles": "#15803d",
     "PixiJS": "#7e22ce",
@@ -165,5 +166,5 @@ class Plot:
 
 def plot(found, size, counts, engines):
     lines = {engine: [middle(found[engine, count, *size]) for count in counts]
-             for engine in engines if engine != UNPACED}
+             for engine in engines if engine != UNPACED or OURS not in engines}
     return Plot(size, counts, lines).svg()

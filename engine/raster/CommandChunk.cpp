@@ -30,7 +30,11 @@ void CommandChunk::begin() {
 
 void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atlases atlases) {
     m_count = 0;
-    makeRoomFor(2 * capacity); // For all that are not tall: nobody has to ask then.
+    m_most = 0;
+    for (const Piece& piece : m_pieces) {
+        m_most += 2 * piece.count;
+    }
+    makeRoomFor(m_most); // So that nobody has to ask for those.
     m_missing.clear();
     m_lit.assign(grid.cells().count(), 0);
     PlacedSparks placed;
@@ -139,7 +143,7 @@ void CommandChunk::appendCommands(const PlacedSparks& placed, std::size_t count,
 void CommandChunk::appendTall(const Sprite& sprite, const TileGrid& grid) {
     const int end = std::min(sprite.top + sprite.rows, grid.height());
     int row = std::max(sprite.top, 0);
-    makeRoomFor(static_cast<std::size_t>((end - row) / TileGrid::tileHeight + 2) + 2 * capacity); // See place().
+    makeRoomFor(static_cast<std::size_t>((end - row) / TileGrid::tileHeight + 2) + m_most);
     SparkCommand command = sprite.command;
     command.mask += static_cast<std::ptrdiff_t>(row - sprite.top) * sprite.command.stride;
     while (row < end) {
@@ -158,7 +162,7 @@ void CommandChunk::appendTall(const Sprite& sprite, const TileGrid& grid) {
 
 void CommandChunk::makeRoomFor(std::size_t more) {
     if (m_count + more > m_commands.size()) {
-        const std::size_t room = std::max(2 * m_commands.size(), m_count + more + capacity);
+        const std::size_t room = std::max(2 * m_commands.size(), m_count + more);
         m_commands.resize(room);
         m_tiles.resize(room);
     }

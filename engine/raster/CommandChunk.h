@@ -102,13 +102,14 @@ private:
 
     void appendCommands(const PlacedSparks& placed, std::size_t count, std::uint16_t atlasIndex,
                         const SpriteAtlas& atlas, const TileGrid& grid);
-    void append(const Sprite& sprite, const TileGrid& grid);
+    inline void append(const Sprite& sprite, const TileGrid& grid);
     void appendTall(const Sprite& sprite, const TileGrid& grid);
-    void markLit(const Sprite& sprite, const TileGrid& grid);
+    inline void markLit(const Sprite& sprite, const TileGrid& grid);
     void makeRoomFor(std::size_t more);
     void sortByTile(const TileGrid& grid);
 
     std::vector<Piece> m_pieces;
+    std::size_t m_most = 0;  ///< Commands of all sparks that are not tall, at most.
     std::size_t m_count = 0; ///< Of commands; the vectors are longer.
     std::vector<SparkCommand> m_commands;
     std::vector<std::uint32_t> m_tiles; ///< Of each command.

@@ -197,6 +197,22 @@ TEST(RasterRenderer, bytesDoNotDependOnThreadsOrVectors) {
     }
 }
 
+TEST(RasterRenderer, tallSparksAmongThousandsOfOthersOnTheBordersOfBandsComeInAnyOrder) {
+    Dice dice(5);
+    std::vector<SparkBirth> sparks;
+    for (int i = 0; i < 8192; ++i) { // As many as are placed at once, nearly all of them in two bands.
+        const float scale = i % 64 == 0 ? dice.between(3.0F, 12.0F) : 0.3F;
+        const float y = 32.0F * std::round(dice.between(1.0F, 6.0F)) + dice.between(-2.0F, 2.0F);
+        sparks.push_back({0.0, dice.between(0.0F, 300.0F), y, 0.0F, 0.0F, scale, {0.1F, 0.2F, 0.3F, 0.2F}});
+    }
+    const std::vector<SparkBatch> scene{stillBatch(softSpark(), sparks)};
+    std::ranges::reverse(sparks);
+    const std::vector<SparkBatch> reversed{stillBatch(softSpark(), sparks)};
+    const ImageBuffer picture = draw(scene, 300, 224);
+    EXPECT_TRUE(draw(reversed, 300, 224) == picture);
+    EXPECT_TRUE(draw(scene, 300, 224, {.time = 1.0}, scalarKernels()) == picture);
+}
+
 TEST(RasterRenderer, goldenFrame) {
     // The same for each compiler setting and machine. To renew it after a change that is meant to change pictures: take
     // the number from the failure, and check that debug and release agree on it.

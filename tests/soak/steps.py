@@ -285,6 +285,18 @@ def minimise(driver, rng):
         driver.screen.restore(main.xid)
 
 
+@step(1)
+def hide(driver, rng):
+    """All windows, and the desktop's bar brings one of them back."""
+    pause = rng.random()
+    driver.settle()
+    driver.focus_main()
+    driver.key("alt+w")
+    driver.key("h")
+    time.sleep(pause)
+    driver.focus_main()
+
+
 @step(2)
 def maximise_or_fill(driver, rng):
     keys = rng.choice((("F11",), ("F11", "F11"), ("alt+w", "x"), ("F11", "Escape"), ("ctrl+m",)))

@@ -59,8 +59,7 @@ class Driver:
     def start(self, settings):
         self.measured = []
         self.program = Program(self.binary, self.home, self.display, settings, self.suppressions)
-        main = self.wait_for(self.main, "shows its window")
-        self.main_xid = main.xid
+        self.wait_for(self.main, "shows its window")
         time.sleep(REST)
 
     def check_running(self):
@@ -117,7 +116,10 @@ class Driver:
 
     def main(self):
         mains = [each for each in self.windows() if each.title == MAIN and not each.popup and not each.modal]
-        return mains[0] if mains else None
+        if not mains:
+            return None
+        self.main_xid = mains[0].xid  # Of several, such as an alert that is closing, the lowest one.
+        return mains[0]
 
     def window(self, title):
         """The uppermost window whose title begins like that."""

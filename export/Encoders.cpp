@@ -28,7 +28,9 @@ public:
         return starbloom::recoverMovie(movie, goesOn);
     }
 
-    void discardInterruptedMovie(const UnfinishedMovie& movie) override { starbloom::discardInterruptedMovie(movie); }
+    Result<void> discardInterruptedMovie(const UnfinishedMovie& movie) override {
+        return starbloom::discardInterruptedMovie(movie);
+    }
 };
 
 } // namespace

@@ -27,7 +27,7 @@ public:
     // See MovieRecovery.h.
     virtual std::optional<UnfinishedMovie> findInterruptedMovie(const std::filesystem::path& journal) = 0;
     virtual Result<RecoveredMovie> recoverMovie(const UnfinishedMovie& movie, const std::function<bool()>& goesOn) = 0;
-    virtual void discardInterruptedMovie(const UnfinishedMovie& movie) = 0;
+    virtual Result<void> discardInterruptedMovie(const UnfinishedMovie& movie) = 0;
 };
 
 /// The encoders themselves, for programs and tests that are linked with them.

@@ -58,10 +58,9 @@ Result<RecoveredMovie> LoadedEncoders::recoverMovie(const UnfinishedMovie& movie
     return module ? module.value()->recoverMovie(movie, goesOn) : module.error();
 }
 
-void LoadedEncoders::discardInterruptedMovie(const UnfinishedMovie& movie) {
-    if (const auto module = loaded()) {
-        module.value()->discardInterruptedMovie(movie);
-    }
+Result<void> LoadedEncoders::discardInterruptedMovie(const UnfinishedMovie& movie) {
+    const auto module = loaded();
+    return module ? module.value()->discardInterruptedMovie(movie) : module.error();
 }
 
 } // namespace starbloom

@@ -20,7 +20,7 @@ public:
                                              MovieFinishedCall finished) override;
     std::optional<UnfinishedMovie> findInterruptedMovie(const std::filesystem::path& journal) override;
     Result<RecoveredMovie> recoverMovie(const UnfinishedMovie& movie, const std::function<bool()>& goesOn) override;
-    void discardInterruptedMovie(const UnfinishedMovie& movie) override;
+    Result<void> discardInterruptedMovie(const UnfinishedMovie& movie) override;
 
 private:
     Result<Encoders*> loaded();

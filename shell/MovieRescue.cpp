@@ -65,8 +65,11 @@ void MovieRescue::ask(const UnfinishedMovie& movie) {
         if (clicked == yes) {
             rescue(movie);
         } else if (clicked == never) {
-            m_encoders.discardInterruptedMovie(movie);
-            offer();
+            if (const auto discarded = m_encoders.discardInterruptedMovie(movie)) {
+                offer();
+            } else {
+                emit failed(QString::fromStdString(discarded.error().message));
+            }
         }
     });
     openModal(*box);

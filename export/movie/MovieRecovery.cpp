@@ -38,6 +38,16 @@ void removeFile(const std::filesystem::path& path) {
     ::unlink(path.c_str());
 }
 
+/// All but the journal; fails with the first file that is still there.
+Result<void> removeHiddenFiles(const UnfinishedMovie& movie) {
+    for (const std::filesystem::path* path : {&movie.part, &movie.pending}) {
+        if (::unlink(path->c_str()) != 0 && errno != ENOENT) {
+            return Error{"cannot remove " + path->string() + ": " + reason(errno)};
+        }
+    }
+    return {};
+}
+
 bool fileExists(const std::filesystem::path& path) {
     std::error_code ignored;
     return std::filesystem::exists(path, ignored);
@@ -111,7 +121,7 @@ std::optional<UnfinishedMovie> readJournal(const std::filesystem::path& path) {
     }
     const bool wasSaved = !fileExists(movie->pending);
     if (wasSaved || !holdsFrames(*movie)) {
-        discardInterruptedMovie(*movie);
+        [[maybe_unused]] const auto ignored = discardInterruptedMovie(*movie); // Or at a later launch.
         return std::nullopt;
     }
     return movie;
@@ -145,30 +155,35 @@ Result<MovieJournal> MovieJournal::begin(UnfinishedMovie movie) {
         if (descriptor < 0) {
             return Error{"cannot write " + path.string() + ": " + reason(errno)};
         }
-        MovieJournal journal(path, descriptor);
+        movie.journal = path;
+        MovieJournal journal(movie, descriptor);
         // Some file systems have no locks; then two programs at once could take each other's movie for interrupted.
         ::flock(descriptor, LOCK_EX | LOCK_NB);
         const std::string text = textOf(movie);
         if (::write(descriptor, text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
             ::fsync(descriptor) != 0) {
-            return Error{"cannot write " + path.string() + ": " + reason(errno)};
+            const int error = errno;
+            removeFile(path);
+            return Error{"cannot write " + path.string() + ": " + reason(error)};
         }
         return journal;
     }
     return Error{"cannot write " + movie.journal.string() + ": " + reason(EEXIST)};
 }
 
-MovieJournal::MovieJournal(std::filesystem::path path, int descriptor)
-    : m_path(std::move(path))
+MovieJournal::MovieJournal(UnfinishedMovie movie, int descriptor)
+    : m_movie(std::move(movie))
     , m_descriptor(descriptor) {}
 
 MovieJournal::MovieJournal(MovieJournal&& other) noexcept
-    : m_path(std::move(other.m_path))
+    : m_movie(std::move(other.m_movie))
     , m_descriptor(std::exchange(other.m_descriptor, -1)) {}
 
 MovieJournal::~MovieJournal() {
     if (m_descriptor >= 0) {
-        removeFile(m_path);
+        if (!fileExists(m_movie.part) && !fileExists(m_movie.pending)) {
+            removeFile(m_movie.journal);
+        }
         ::close(m_descriptor);
     }
 }
@@ -205,16 +220,20 @@ Result<RecoveredMovie> recoverMovie(const UnfinishedMovie& movie, const std::fun
             return committed.error();
         }
         if (committed.value()) {
-            discardInterruptedMovie(movie);
+            if (const auto discarded = discardInterruptedMovie(movie); !discarded) {
+                log(LogLevel::Warning, "export", discarded.error().message);
+            }
             return RecoveredMovie{path, frames.value(), seconds};
         }
     }
 }
 
-void discardInterruptedMovie(const UnfinishedMovie& movie) {
-    removeFile(movie.part);
-    removeFile(movie.pending);
-    removeFile(movie.journal);
+Result<void> discardInterruptedMovie(const UnfinishedMovie& movie) {
+    auto removed = removeHiddenFiles(movie);
+    if (removed) {
+        removeFile(movie.journal);
+    }
+    return removed;
 }
 
 } // namespace starbloom

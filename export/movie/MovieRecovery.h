@@ -32,13 +32,14 @@ public:
     MovieJournal(MovieJournal&& other) noexcept;
     MovieJournal& operator=(MovieJournal&&) = delete;
 
-    /// The movie is written or given up: removes the journal.
+    /// The movie is written or given up: removes the journal. It stays while a hidden file that it names does, as in a
+    /// folder that may no longer be changed, so that a later run can remove both.
     ~MovieJournal();
 
 private:
-    MovieJournal(std::filesystem::path path, int descriptor);
+    MovieJournal(UnfinishedMovie movie, int descriptor);
 
-    std::filesystem::path m_path;
+    UnfinishedMovie m_movie;
     int m_descriptor; ///< Locked, which tells other runs that this one lives.
 };
 
@@ -60,7 +61,8 @@ struct RecoveredMovie {
 Result<RecoveredMovie> recoverMovie(
     const UnfinishedMovie& movie, const std::function<bool()>& goesOn = [] { return true; });
 
-/// The user does not want it: removes what was left behind.
-void discardInterruptedMovie(const UnfinishedMovie& movie);
+/// The user does not want it: removes what was left behind. Where that cannot be removed the journal stays as well, and
+/// a later run finds it again.
+Result<void> discardInterruptedMovie(const UnfinishedMovie& movie);
 
 } // namespace starbloom

@@ -289,6 +289,30 @@ TEST_F(KilledMovie, isRecoveredFromACutFileAndBesideAnother) {
     EXPECT_EQ(leftovers(), 2);
 }
 
+TEST_F(KilledMovie, isForgottenOnlyWhenItsFilesAreGone) {
+    killAt(9, 72);
+    const auto found = findInterruptedMovie(journal);
+    ASSERT_TRUE(found);
+    std::filesystem::remove(found->pending);
+    std::filesystem::create_directory(found->pending); // Stands in for a file that may not be removed.
+    const auto discarded = discardInterruptedMovie(*found);
+    ASSERT_FALSE(discarded);
+    EXPECT_THAT(discarded.error().message, HasSubstr("cannot remove " + found->pending.string()));
+    EXPECT_TRUE(std::filesystem::exists(journal));
+    std::filesystem::remove(found->pending);
+    EXPECT_TRUE(discardInterruptedMovie(*found));
+    EXPECT_EQ(leftovers(), 0);
+
+    // A movie that is given up, and cannot be removed then, is named to the next run.
+    std::ofstream(found->part) << "frames";
+    { EXPECT_TRUE(MovieJournal::begin(*found)); }
+    EXPECT_EQ(leftovers(), 2);
+    std::filesystem::remove(journal);
+    std::filesystem::remove(found->part);
+    { EXPECT_TRUE(MovieJournal::begin(*found)); }
+    EXPECT_EQ(leftovers(), 0);
+}
+
 TEST_F(MovieFile, journalCannotNameWhatIsNotOurs) {
     const auto precious = folder / "precious";
     std::ofstream(precious) << "data";

@@ -657,7 +657,9 @@ def answer_rescue(driver, rng):
             return
         driver.focus(driver.window(RESCUE))
         driver.key(answer)
-        if answer == "alt+l":
+        may_change = all(keepsakes.target_folder(each).stat().st_mode & 0o200 for each in left)
+        if answer == "alt+l" or not may_change:
+            driver.settle()
             return
         driver.wait_for(lambda: set(keepsakes.journals(driver.home.data)) != set(left) or driver.folder_is_full(),
                         "an unfinished movie is recovered or deleted")

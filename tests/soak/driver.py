@@ -302,7 +302,9 @@ class Driver:
     def check_companion(self, keys, title):
         self.focus_main()
         self.key(keys)
-        self.wait_for(lambda: self.window(title), f"{keys} shows {title!r}")
+        window = self.wait_for(lambda: self.window(title), f"{keys} shows {title!r}")
+        # It takes the keys a little later, and else would take them from the main window.
+        self.comes(lambda: self.screen.active_window() == window.xid, 3)
 
     def exported(self):
         folders = self.home.export_folders()

@@ -570,13 +570,25 @@ def damage(home, rng):
 
 # Ends. The run goes on with a new start.
 
+def ends(driver):
+    """Whether the program comes to its end. A picture that could not be saved keeps it until its question is answered."""
+    latest = time.monotonic() + PATIENCE
+    while driver.program.wait(1) is None:
+        if time.monotonic() > latest:
+            return False
+        if modals := driver.modals():
+            driver.focus(modals[-1])
+            driver.key("Escape")
+    return True
+
+
 @step(1, ends=[DONE], lethal=True)
 def quit_by_key(driver, rng):
     keys = rng.choice(("ctrl+q", "ctrl+w"))
     driver.settle()
     driver.focus_main()
     driver.key(keys)
-    if driver.program.wait(PATIENCE) is None:
+    if not ends(driver):
         raise Finding(f"{keys} does not end it\n" + driver.program.stacks())
 
 
@@ -585,7 +597,7 @@ def close_main_window(driver, rng):
     driver.settle()
     main = driver.focus_main()
     driver.screen.close(main.xid)
-    if driver.program.wait(PATIENCE) is None:
+    if not ends(driver):
         raise Finding("closing the main window does not end it\n" + driver.program.stacks())
 
 

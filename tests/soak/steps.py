@@ -576,8 +576,8 @@ def ends(driver):
     while driver.program.wait(1) is None:
         if time.monotonic() > latest:
             return False
-        if modals := driver.modals():
-            driver.focus(modals[-1])
+        if question := driver.window("Picture not saved"):
+            driver.focus(question)
             driver.key("Escape")
     return True
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AboutBox.h"
 
+#include "shell/ModalPlace.h"
 #include "views/SymbolIcon.h"
 
 #include <QCoreApplication>
@@ -33,7 +34,7 @@ void showAboutBox(QWidget& window) {
     if (box == nullptr) {
         box = makeAboutBox(window, objectName);
     }
-    box->show();
+    showAnew(*box);
     box->raise();
     box->activateWindow();
 }

@@ -2,6 +2,7 @@
 #include "shell/CompanionWindow.h"
 
 #include "shell/DesktopFrames.h"
+#include "shell/ModalPlace.h"
 #include "views/Texts.h"
 
 #include <QApplication>
@@ -30,7 +31,7 @@ void CompanionWindow::open() {
     setGeometry(rectOf(reachable(frame, desktopScreens())));
     setWindowTitle(textOf(m_kind.titleKey));
     const bool asked = QApplication::activeWindow() != nullptr;
-    show();
+    showAnew(*this);
     if (asked) { // By somebody who works with the program, and not by the launch.
         raise();
         activateWindow();

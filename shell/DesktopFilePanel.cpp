@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/DesktopFilePanel.h"
 
+#include "shell/ModalPlace.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFile>
@@ -102,9 +104,8 @@ void DesktopFilePanel::ask(const FilePanelRequest& request,
     QObject::connect(&m_alive, &QObject::destroyed, dialog, [dialog] { delete dialog; });
     QObject::connect(dialog, &QDialog::finished, &m_alive,
                      [dialog, answer = std::move(answer)](int result) { answer(choiceIn(*dialog, result)); });
-    // To the whole application: what was begun with the panel goes on when it closes, and nothing else meanwhile.
-    dialog->setWindowModality(Qt::ApplicationModal);
-    dialog->show();
+    // What was begun with the panel goes on when it closes, and nothing else meanwhile.
+    openModal(*dialog);
 }
 
 QWidget* DesktopFilePanel::usualParent() {

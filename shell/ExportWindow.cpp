@@ -83,7 +83,7 @@ void ExportWindow::showExportFrame() {
     m_stores.reloadOnlyDB1();
     loadSettings3();
     placeBelowTop(*this, m_mainWindow);
-    show();
+    showAnew(*this);
     m_open = true;
 }
 

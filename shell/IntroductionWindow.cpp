@@ -137,7 +137,7 @@ void IntroductionWindow::showIntroduction() {
     if (!m_opened) {
         placeBelowTop(*this, m_mainWindow, distanceFromTop);
     }
-    show();
+    showAnew(*this);
     raise();
     activateWindow();
     m_opened = true;

@@ -36,9 +36,21 @@ void placeBelowTop(QWidget& window, const QWidget& mainWindow, int distance) {
     window.setGeometry(onScreen(centred, mainWindow.screen()->availableGeometry().adjusted(0, titleBar, 0, 0)));
 }
 
+void bringBack(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+}
+
+void showAnew(QWidget& window) {
+    if (window.parentWidget() != nullptr) {
+        bringBack(*window.parentWidget()->window());
+    }
+    bringBack(window);
+    window.show();
+}
+
 void openModal(QDialog& dialog) {
     dialog.setWindowModality(Qt::ApplicationModal);
-    dialog.show();
+    showAnew(dialog);
 }
 
 } // namespace starbloom

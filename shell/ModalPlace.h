@@ -11,6 +11,14 @@ namespace starbloom {
 /// gets the one that it asks for. Where the desktop places windows by itself, it does. GUI thread.
 void placeBelowTop(QWidget& window, const QWidget& mainWindow, int distance = 30);
 
+/// A minimized window is shown again; any other one is left alone. GUI thread.
+void bringBack(QWidget& window);
+
+/// Shows a window that may have been open before. One that was closed while it was minimized, as a desktop's bar can
+/// do, would come back minimized, and so does what hangs from a minimized window: out of sight, and a dialog would
+/// block all others unseen. GUI thread.
+void showAnew(QWidget& window);
+
 /// Shows a dialog that is to be answered before anything else. It blocks the whole application, as a sheet of the main
 /// window does anyhow: all windows are that one's companions. But a sheet that opens while a companion has the keys
 /// would lose them: the toolkit then hands them to the main window, which it blocks. GUI thread.

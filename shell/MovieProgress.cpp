@@ -42,7 +42,7 @@ void MovieProgress::openSheet() {
     showProgress(start);
     m_ui->abortButton5->setEnabled(true);
     placeBelowTop(*this, m_mainWindow);
-    show();
+    showAnew(*this);
 }
 
 void MovieProgress::showAborting() {

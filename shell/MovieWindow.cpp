@@ -87,7 +87,7 @@ void MovieWindow::openMovieSettings() {
     loadMovieSettings();
     m_menus.saveMenuStatus();
     placeBelowTop(*this, m_mainWindow);
-    show();
+    showAnew(*this);
     m_open = true;
 }
 

@@ -93,7 +93,7 @@ void PreferencesWindow::openPreferences() {
     m_stores.populateDB2();
     showSwitches();
     place();
-    show();
+    showAnew(*this);
     m_open = true;
 }
 

@@ -24,6 +24,7 @@ void Printing::setUpPage() {
 
 void Printing::run(bool (PrintSystem::*task)(QWidget& window, PrintSystem::Finished finished)) {
     m_menus.saveMenuStatus();
+    bringBack(m_window); // What hangs from a minimized window is out of sight.
     const auto finished = [self = QPointer(this)] {
         if (self != nullptr) {
             self->m_menus.loadMenuStatus();

@@ -2,6 +2,7 @@
 #include "shell/WindowCommands.h"
 
 #include "shell/Menus.h"
+#include "shell/ModalPlace.h"
 
 #include <QAction>
 #include <QApplication>
@@ -12,10 +13,6 @@
 namespace starbloom {
 
 namespace {
-
-void bringBack(QWidget& window) {
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-}
 
 /// The windows of the application that are open, be they minimized or not; what pops up is none.
 QWidgetList openWindows() {

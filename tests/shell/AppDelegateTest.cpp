@@ -260,6 +260,31 @@ TEST_F(FirstLaunchTest, WindowsHiddenTogetherComeBackTogether) {
     EXPECT_TRUE(introduction()->isMinimized()); // Each by itself comes back by itself.
 }
 
+TEST_F(FirstLaunchTest, WindowsClosedWhileMinimizedOpenInSight) {
+    AppDelegate app(AppFolder(home.path()), around.with());
+    app.launch();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return introduction() != nullptr && introduction()->isVisible(); }));
+    const auto windowOf = [&](const char* name) { return app.window().findChild<QWidget*>(QString::fromLatin1(name)); };
+    const std::pair<Command, const char*> windows[] = {{Command::FileExportsettings, "exportWindow"},
+                                                       {Command::EmitterShow, "guideWindow"},
+                                                       {Command::AppAbout, "aboutBox"}};
+    for (const auto& [command, name] : windows) {
+        app.window().menus().action(command).trigger();
+        ASSERT_NE(windowOf(name), nullptr) << name;
+        windowOf(name)->showMinimized();
+        windowOf(name)->close();
+        app.window().showMinimized(); // And what they hang from is out of sight.
+        app.window().menus().action(command).trigger();
+        EXPECT_TRUE(windowOf(name)->isVisible() && !windowOf(name)->isMinimized()) << name;
+        EXPECT_FALSE(app.window().isMinimized()) << name;
+        windowOf(name)->close();
+    }
+    introduction()->showMinimized();
+    introduction()->close();
+    app.window().menus().action(Command::AppQuicktour).trigger();
+    EXPECT_TRUE(introduction()->isVisible() && !introduction()->isMinimized());
+}
+
 TEST_F(FirstLaunchTest, SwitchedOffTheIntroductionStaysAwayAndItsCommandIsThere) {
     skipIntroduction(home);
     AppDelegate app(AppFolder(home.path()), around.with());

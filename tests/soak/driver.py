@@ -157,7 +157,8 @@ class Driver:
         lines = [f"{each.xid:#x} {each.title!r} {each.width}x{each.height}+{each.x}+{each.y}"
                  f"{' popup' if each.popup else ''}{' modal' if each.modal else ''}" for each in self.windows()]
         active, keys = self.screen.active_window(), self.screen.key_window()
-        return "windows: " + "; ".join(lines) + f"; active {active:#x}, keys go to {keys:#x}"
+        return ("windows: " + "; ".join(lines) + f"; active {active:#x}, keys go to {keys:#x}, main window "
+                f"{self.main_xid:#x} {self.screen.state(self.main_xid)}, held: {self.screen.held():#x}")
 
     def focus(self, window):
         if self.screen.active_window() != window.xid:
@@ -174,7 +175,7 @@ class Driver:
                 main = self.main()
         if main is None:
             self.check_ending()
-            raise Finding(f"the main window does not come back\n{self._describe()}\n{self.program.stacks()}")
+            raise Finding(f"the main window does not come back\n{self._describe()}")
         self.focus(main)
         return main
 
@@ -255,7 +256,7 @@ class Driver:
             self.check_running()
             if time.monotonic() > end:
                 self.check_ending()
-                raise Finding("does not answer\n" + self.program.stacks())
+                raise Finding("does not answer")
 
     def check_kept(self):
         home = self.home

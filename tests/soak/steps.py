@@ -589,7 +589,7 @@ def quit_by_key(driver, rng):
     driver.focus_main()
     driver.key(keys)
     if not ends(driver):
-        raise Finding(f"{keys} does not end it\n" + driver.program.stacks())
+        raise Finding(f"{keys} does not end it")
 
 
 @step(1, ends=[DONE], lethal=True)
@@ -598,7 +598,7 @@ def close_main_window(driver, rng):
     main = driver.focus_main()
     driver.screen.close(main.xid)
     if not ends(driver):
-        raise Finding("closing the main window does not end it\n" + driver.program.stacks())
+        raise Finding("closing the main window does not end it")
 
 
 @step(2, ends=[DONE], lethal=True)

@@ -119,6 +119,8 @@ class Screen:
         x.XIconifyWindow.argtypes = [c_void_p, XID, c_int]
         x.XGetInputFocus.argtypes = [c_void_p, POINTER(XID), POINTER(c_int)]
         x.XMapWindow.argtypes = [c_void_p, XID]
+        x.XQueryPointer.argtypes = [c_void_p, XID, POINTER(XID), POINTER(XID), POINTER(c_int), POINTER(c_int),
+                                    POINTER(c_int), POINTER(c_int), POINTER(c_uint)]
         test.XTestFakeKeyEvent.argtypes = [c_void_p, c_uint, c_int, c_ulong]
         test.XTestFakeButtonEvent.argtypes = [c_void_p, c_uint, c_int, c_ulong]
         test.XTestFakeMotionEvent.argtypes = [c_void_p, c_int, c_int, c_int, c_ulong]
@@ -165,6 +167,18 @@ class Screen:
         focus, revert = XID(), c_int()
         self._x.XGetInputFocus(self._display, byref(focus), byref(revert))
         return focus.value
+
+    def state(self, xid):
+        """As the window manager has it."""
+        names = {0: "withdrawn", 1: "shown", 3: "minimized"}
+        return names.get((self._longs(xid, "WM_STATE") or [0])[0] & 0xFFFFFFFF, "unknown")
+
+    def held(self):
+        """Modifiers and buttons that are down, as a mask."""
+        root, child, x, y, mask = XID(), XID(), c_int(), c_int(), c_uint()
+        self._x.XQueryPointer(self._display, self.root, byref(root), byref(child), byref(x), byref(y), byref(x),
+                              byref(y), byref(mask))
+        return mask.value
 
     def _attributes(self, xid):
         attributes = _Attributes()

@@ -52,13 +52,15 @@ void LightBand::resolve(const RasterKernels& kernels, const ResolveSettings& set
     for (std::size_t first = 0; first < row.cells.size();) {
         const bool now = row.lit[first] != 0;
         const bool before = (row.cells[first] & LitArea::isLit) != 0;
+        const auto continues = [&](std::size_t cell) {
+            // What is drawn now is written whatever was there.
+            return (row.lit[cell] != 0) == now && (now || ((row.cells[cell] & LitArea::isLit) != 0) == before);
+        };
         const std::size_t begin = first;
         do {
-            row.cells[first] =
+            row.cells[first++] =
                 static_cast<std::uint8_t>((now ? LitArea::isLit : 0) | (now || before ? LitArea::isWritten : 0));
-            ++first;
-        } while (first < row.cells.size() && (row.lit[first] != 0) == now &&
-                 ((row.cells[first] & LitArea::isLit) != 0) == before);
+        } while (first < row.cells.size() && continues(first));
         const auto left = static_cast<int>(begin) * CellGrid::cellWidth;
         const int width = std::min(static_cast<int>(first) * CellGrid::cellWidth, m_width) - left;
         std::uint8_t* pixels = row.pixels + 4 * static_cast<std::size_t>(left);

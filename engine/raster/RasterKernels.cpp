@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -202,45 +203,86 @@ HWY_ATTR void Draw(std::span<const SparkCommand> commands, std::uint16_t* light,
     }
 }
 
-/// Takes the light of one channel, which is zero afterwards, as display levels.
+/// The light of one channel as display levels.
 template <class D>
-HWY_INLINE hn::Vec<D> takeLevels(D d, std::uint16_t* light, hn::Vec<D> background) {
+HWY_INLINE hn::Vec<D> levels(D d, const std::uint16_t* light, hn::Vec<D> background) {
     const auto sum = hn::SaturatedAdd(hn::LoadU(d, light), background);
-    hn::StoreU(hn::Zero(d), d, light);
     return hn::Min(hn::ShiftRight<lightShift>(sum), hn::Set(d, std::uint16_t{255}));
+}
+
+/// As many pixels as a cache line holds, in halves.
+using PixelLine = std::array<std::uint16_t, 2 * linePixels>;
+
+/// Writes a cache line past the caches: the memory is the screen's, whose server has it in its own, and fetching what
+/// is overwritten as a whole would take longer than working it out. Others may see it late, see RasterKernels::resolve.
+template <class D>
+HWY_INLINE void streamLine(D d, const PixelLine& line, std::uint16_t* out) {
+    for (std::size_t i = 0; i < line.size(); i += hn::Lanes(d)) {
+        hn::Stream(hn::Load(d, line.data() + i), d, out + i);
+    }
+}
+
+/// Writes the pixels of one row, and takes its light back to zero. `fill` works out those of a line of light, `clear`
+/// does the rest.
+template <class D, class Fill, class Clear>
+HWY_INLINE void resolveRow(D d, std::uint16_t* light, std::ptrdiff_t width, std::uint8_t* pixels, const Fill& fill,
+                           const Clear& clear) {
+    HWY_ALIGN PixelLine line;
+    auto* const out = reinterpret_cast<std::uint16_t*>(pixels);
+    const auto fillPart = [&](std::ptrdiff_t first, std::ptrdiff_t count) HWY_ATTR {
+        fill(light + first, line.data());
+        std::memcpy(out + 2 * first, line.data(), static_cast<std::size_t>(count) * 4);
+    };
+    const auto toNextLine = (0 - reinterpret_cast<std::uintptr_t>(pixels)) % sizeof(PixelLine) / 4;
+    std::ptrdiff_t x = std::min(static_cast<std::ptrdiff_t>(toNextLine), width);
+    fillPart(0, x);
+    for (; x + linePixels <= width; x += linePixels) {
+        fill(light + x, line.data());
+        clear(light + x);
+        streamLine(d, line, out + 2 * x);
+    }
+    if (x < width) {
+        fillPart(x, width - x);
+    }
+    // Both parts, but no light of the next block.
+    clear(light);
+    clear(light + std::max(width - linePixels, std::ptrdiff_t{0}));
 }
 
 HWY_ATTR void Resolve(const LightBlock& block, const ResolveSettings& settings, std::uint8_t* pixels,
                       std::size_t bytesPerRow) {
-    const hn::CappedTag<std::uint16_t, spriteLanes> d;
+    const hn::CappedTag<std::uint16_t, linePixels> d;
     const int lanes = static_cast<int>(hn::Lanes(d));
     // The channel that comes first in memory and the one that comes third.
     const bool swapped = settings.order == PixelOrder::Bgra;
-    const std::ptrdiff_t firstPlane = swapped ? 2 * block.planeStride : 0;
-    const std::ptrdiff_t thirdPlane = 2 * block.planeStride - firstPlane;
+    const std::ptrdiff_t secondPlane = block.planeStride;
+    const std::ptrdiff_t firstPlane = swapped ? 2 * secondPlane : 0;
+    const std::ptrdiff_t thirdPlane = 2 * secondPlane - firstPlane;
     const auto firstGround = hn::Set(d, settings.background[swapped ? 2 : 0]);
     const auto green = hn::Set(d, settings.background[1]);
     const auto thirdGround = hn::Set(d, settings.background[swapped ? 0 : 2]);
     const auto opaque = hn::Set(d, std::uint16_t{0xFF00});
-    const int width = block.width; // The stores below could be to the block, for all that the compiler knows.
-    const std::ptrdiff_t secondPlane = block.planeStride;
-    std::uint16_t* light = block.light;
-    std::uint8_t* out = pixels;
-    int x = 0;
-    for (int row = 0; row < block.rows; ++row) {
-        for (x = 0; x + lanes <= width; x += lanes) {
-            const auto first = takeLevels(d, light + firstPlane + x, firstGround);
-            const auto second = takeLevels(d, light + secondPlane + x, green);
-            const auto third = takeLevels(d, light + thirdPlane + x, thirdGround);
-            hn::StoreInterleaved2(hn::Or(first, hn::ShiftLeft<8>(second)), hn::Or(third, opaque), d,
-                                  reinterpret_cast<std::uint16_t*>(out + 4 * x));
+    const auto fill = [&](const std::uint16_t* light, std::uint16_t* out) HWY_ATTR {
+        for (int i = 0; i < linePixels; i += lanes) {
+            const auto first = levels(d, light + firstPlane + i, firstGround);
+            const auto second = levels(d, light + secondPlane + i, green);
+            const auto third = levels(d, light + thirdPlane + i, thirdGround);
+            hn::StoreInterleaved2(hn::Or(first, hn::ShiftLeft<8>(second)), hn::Or(third, opaque), d, out + 2 * i);
         }
+    };
+    const auto clear = [&](std::uint16_t* light) HWY_ATTR {
+        for (int i = 0; i < linePixels; i += lanes) {
+            for (int channel = 0; channel < 3; ++channel) {
+                hn::StoreU(hn::Zero(d), d, light + channel * secondPlane + i);
+            }
+        }
+    };
+    const int width = block.width; // The stores could be to the block, for all that the compiler knows.
+    std::uint16_t* light = block.light;
+    for (int row = 0; row < block.rows; ++row) {
+        resolveRow(d, light, width, pixels, fill, clear);
         light += 3 * secondPlane;
-        out += bytesPerRow;
-    }
-    if (x < block.width) {
-        const LightBlock rest{block.light + x, block.planeStride, block.width - x, block.rows};
-        scalarKernels().resolve(rest, settings, pixels + 4 * x, bytesPerRow);
+        pixels += bytesPerRow;
     }
 }
 

@@ -76,6 +76,9 @@ struct SparkCommand {
 /// Sprites are drawn so many pixels at once.
 constexpr int spriteLanes = 16;
 
+/// So many pixels fill a cache line.
+constexpr int linePixels = 16;
+
 /// The light of some pixels of a band.
 struct LightBlock {
     std::uint16_t* light = nullptr; ///< Of the first pixel, in the red plane.
@@ -104,7 +107,9 @@ struct RasterKernels {
     /// Adds sprites to the light of a band, which begins at `light`.
     void (*draw)(std::span<const SparkCommand> commands, std::uint16_t* light, std::ptrdiff_t planeStride);
 
-    /// Writes the pixels of a block and takes its light back to zero.
+    /// Writes the pixels of a block and takes its light back to zero. So many pixels as fill a cache line can be read
+    /// behind each row of light, and be cleared there where a block is narrower. Other threads and programs see the
+    /// pixels once this one has passed hwy::FlushStream().
     void (*resolve)(const LightBlock& block, const ResolveSettings& settings, std::uint8_t* pixels,
                     std::size_t bytesPerRow);
 };

@@ -4,6 +4,8 @@
 #include "engine/raster/CommandChunk.h"
 #include "engine/raster/LightBand.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -225,6 +227,7 @@ void RasterRenderer::Frame::drawBand(int band, BandMemory& memory, const View& v
                               target.pixels + static_cast<std::size_t>(top + y) * target.bytesPerRow,
                               target.bytesPerRow});
     }
+    hwy::FlushStream(); // Before anybody else reads them.
 }
 
 void RasterRenderer::Frame::gatherLit(int band, std::vector<std::uint8_t>& cells) const {

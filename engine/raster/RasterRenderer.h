@@ -15,7 +15,8 @@
 
 namespace starbloom {
 
-/// Where a picture goes: memory of the caller's, four bytes per pixel, rows from top to bottom.
+/// Where a picture goes: memory of the caller's, four bytes per pixel, rows from top to bottom. Each row begins at a
+/// multiple of four bytes.
 struct RasterTarget {
     std::uint8_t* pixels = nullptr;
     std::size_t bytesPerRow = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/MovieCommand.h"
 
+#include "base/Log.h"
 #include "base/PendingFile.h"
 #include "engine/panel/FireworksController.h"
 #include "export/movie/MemoryCheck.h"
@@ -162,6 +163,9 @@ void MovieCommand::writeMovie(std::unique_ptr<FrameStore> frames) {
             here([this, written, total] { m_recorder.writingProgress(written, total, m_tools.clock()); });
         },
         [this, here](const Result<std::optional<WrittenMovie>>& result) {
+            if (!result) {
+                log(LogLevel::Warning, "export", result.error().message); // The window may be gone before it can tell.
+            }
             here([this, result] { writingFinished(result); });
         });
 }
@@ -180,6 +184,7 @@ void MovieCommand::writingFinished(const Result<std::optional<WrittenMovie>>& re
 void MovieCommand::recordingEnded(RecordingEnd end) {
     closeProgress();
     if (end == RecordingEnd::NoFrames) {
+        log(LogLevel::Warning, "export", "not one frame could be recorded");
         emit failed(qtTrId("movieNoFrames"));
     }
 }

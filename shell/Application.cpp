@@ -36,7 +36,7 @@ void Application::tell(const std::runtime_error& failure) {
     box->setObjectName(QStringLiteral("storeFailure"));
     box->setInformativeText(QString::fromUtf8(failure.what()));
     box->setAttribute(Qt::WA_DeleteOnClose);
-    openModal(*box);
+    openModalUnasked(*box);
 }
 
 } // namespace starbloom

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/ModalPlace.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QLayout>
 #include <QScreen>
@@ -41,8 +42,8 @@ void bringBack(QWidget& window) {
 }
 
 void showAnew(QWidget& window) {
-    if (window.parentWidget() != nullptr) {
-        bringBack(*window.parentWidget()->window());
+    for (const QWidget* each = window.parentWidget(); each != nullptr; each = each->window()->parentWidget()) {
+        bringBack(*each->window());
     }
     bringBack(window);
     window.show();
@@ -51,6 +52,14 @@ void showAnew(QWidget& window) {
 void openModal(QDialog& dialog) {
     dialog.setWindowModality(Qt::ApplicationModal);
     showAnew(dialog);
+}
+
+void openModalUnasked(QDialog& dialog) {
+    dialog.setWindowModality(Qt::ApplicationModal);
+    dialog.show();
+    if (QWidget* const parent = dialog.parentWidget(); parent != nullptr && parent->window()->isMinimized()) {
+        QApplication::alert(parent->window());
+    }
 }
 
 } // namespace starbloom

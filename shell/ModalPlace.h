@@ -24,4 +24,8 @@ void showAnew(QWidget& window);
 /// would lose them: the toolkit then hands them to the main window, which it blocks. GUI thread.
 void openModal(QDialog& dialog);
 
+/// The same for a question that comes by itself. It does not bring back a main window that somebody has minimized,
+/// which only asks for attention, and comes with it.
+void openModalUnasked(QDialog& dialog);
+
 } // namespace starbloom

@@ -204,6 +204,7 @@ void MovieCommand::abort5Clicked() {
 
 void MovieCommand::finishNow() {
     m_pendingStart.cancel();
+    m_recorder.tick(m_tools.clock()); // On a busy machine none may have come yet.
     m_recorder.finish();
     m_busy = false;
     if (m_writing == nullptr) {

@@ -72,7 +72,7 @@ void MovieRescue::ask(const UnfinishedMovie& movie) {
             }
         }
     });
-    openModal(*box);
+    openModalUnasked(*box);
 }
 
 void MovieRescue::rescue(const UnfinishedMovie& movie) {

@@ -59,7 +59,7 @@ void PictureCommand::offerAnotherFolder(const Shared& request, const QString& wh
             emit failed(why);
         }
     });
-    openModal(*box);
+    openModalUnasked(*box);
 }
 
 void PictureCommand::askForFolder(const Shared& request, const QString& why) {

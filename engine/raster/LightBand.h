@@ -4,6 +4,7 @@
 #include "engine/raster/LitArea.h"
 #include "engine/raster/RasterKernels.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -19,8 +20,8 @@ public:
     /// How far from one channel's plane to the next, in a picture of that width; three of them to the next row.
     static std::ptrdiff_t planeStrideFor(int pictureWidth);
 
-    /// Pixels beyond the right edge that a sprite's last vector may reach.
-    static constexpr int margin = spriteLanes;
+    /// Pixels beyond the right edge that a sprite's last vector, or the last line of a row to be resolved, may reach.
+    static constexpr int margin = std::max(spriteLanes, linePixels);
 
     /// Prepares for a band of so many rows of a picture of that width.
     void begin(int pictureWidth, int rows);

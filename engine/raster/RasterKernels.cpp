@@ -213,8 +213,9 @@ HWY_INLINE hn::Vec<D> levels(D d, const std::uint16_t* light, hn::Vec<D> backgro
 /// As many pixels as a cache line holds, in halves.
 using PixelLine = std::array<std::uint16_t, 2 * linePixels>;
 
-/// Writes a cache line past the caches: the memory is the screen's, whose server has it in its own, and fetching what
-/// is overwritten as a whole would take longer than working it out. Others may see it late, see RasterKernels::resolve.
+/// Writes a cache line past the caches. The memory is mostly the screen's, whose server has it in its own, and fetching
+/// what is overwritten as a whole would take longer than working it out. Others may see it late, see
+/// RasterKernels::resolve.
 template <class D>
 HWY_INLINE void streamLine(D d, const PixelLine& line, std::uint16_t* out) {
     for (std::size_t i = 0; i < line.size(); i += hn::Lanes(d)) {
@@ -235,7 +236,9 @@ HWY_INLINE void resolveRow(D d, std::uint16_t* light, std::ptrdiff_t width, std:
     };
     const auto toNextLine = (0 - reinterpret_cast<std::uintptr_t>(pixels)) % sizeof(PixelLine) / 4;
     std::ptrdiff_t x = std::min(static_cast<std::ptrdiff_t>(toNextLine), width);
-    fillPart(0, x);
+    if (x > 0) {
+        fillPart(0, x);
+    }
     for (; x + linePixels <= width; x += linePixels) {
         fill(light + x, line.data());
         clear(light + x);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
 #include "shell/Menus.h"
+#include "shell/ModalPlace.h"
 #include "tests/shell/PreparedSurroundings.h"
 #include "tests/support/TemporaryFolder.h"
 #include "views/ParameterSlider.h"
@@ -10,6 +11,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -293,6 +295,17 @@ TEST_F(FirstLaunchTest, SwitchedOffTheIntroductionStaysAwayAndItsCommandIsThere)
     ASSERT_TRUE(QTest::qWaitFor([&] { return stage->renderedFrames() > 1; }));
     EXPECT_EQ(introduction(), nullptr);
     EXPECT_TRUE(app.window().menus().action(Command::AppQuicktour).isEnabled());
+}
+
+TEST(ModalPlace, OnlyWhatWasAskedForBringsBackAMinimizedWindow) {
+    QWidget window;
+    QDialog asked(&window);
+    QDialog unasked(&window);
+    window.showMinimized();
+    openModalUnasked(unasked);
+    EXPECT_TRUE(unasked.isVisible() && window.isMinimized());
+    openModal(asked);
+    EXPECT_TRUE(asked.isVisible() && !window.isMinimized());
 }
 
 } // namespace

@@ -613,6 +613,7 @@ def terminate_while_recording(driver, rng):
     before = movies(driver)
     if start_recording(driver, rng):
         time.sleep(pause)
+        driver.check_answers()
         running = driver.window(PROGRESS)
         driver.end(signal.SIGTERM)
         full = shutil.disk_usage(driver.home.small).free < 4_000_000

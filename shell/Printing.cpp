@@ -24,7 +24,7 @@ void Printing::setUpPage() {
 
 void Printing::run(bool (PrintSystem::*task)(QWidget& window, PrintSystem::Finished finished)) {
     m_menus.saveMenuStatus();
-    bringBack(m_window); // What hangs from a minimized window is out of sight.
+    bringBack(m_window); // Desktops differ in whether what belongs to a minimized window can be seen.
     const auto finished = [self = QPointer(this)] {
         if (self != nullptr) {
             self->m_menus.loadMenuStatus();

@@ -15,8 +15,8 @@ void placeBelowTop(QWidget& window, const QWidget& mainWindow, int distance = 30
 void bringBack(QWidget& window);
 
 /// Shows a window that may have been open before, and brings back the one that it belongs to. One that was closed while
-/// it was minimized, as a desktop's bar can do, would come back minimized: out of sight, and a dialog would take the main
-/// window with it. Whether what belongs to a minimized window can be seen differs between desktops. GUI thread.
+/// it was minimized, as a desktop's bar can do, would come back minimized: out of sight, and a dialog would take the
+/// main window with it. Whether what belongs to a minimized window can be seen differs between desktops. GUI thread.
 void showAnew(QWidget& window);
 
 /// Shows a dialog that is to be answered before anything else. It blocks the whole application, as a sheet of the main

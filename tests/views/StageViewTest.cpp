@@ -240,15 +240,18 @@ TEST(StageView, TheWindowHoldsTheWholePictureAndWhatLiesAboveIt) {
             return QRect(QPoint(qRound(points.left() * ratio), qRound(points.top() * ratio)),
                          QPoint(qRound((points.right() + 1) * ratio) - 1, qRound((points.bottom() + 1) * ratio) - 1));
         };
-        QImage screen = theatre.screenshot();
-        screen.setDevicePixelRatio(1.0);
         const QRect stage = pixels(theatre.stage.geometry());
         QImage expected = theatre.reference();
         ASSERT_EQ(expected.size(), stage.size());
         if (above.isVisible()) {
             QPainter(&expected).fillRect(pixels(above.geometry()).translated(-stage.topLeft()), QColor(0, 255, 0));
         }
-        EXPECT_TRUE(screen.copy(stage) == expected) << frame;
+        // What comes or goes above is painted a little later.
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            QImage screen = theatre.screenshot();
+            screen.setDevicePixelRatio(1.0);
+            return screen.copy(stage) == expected;
+        })) << frame;
     }
 }
 

@@ -20,6 +20,8 @@ import tempfile
 import threading
 import time
 
+from machine import processor_seconds
+
 # As tables have them. Unpaced is what draws as often as it can, as Qt Quick Particles and the bare blit do.
 NAMES = ("Starbloom", "Starbloom unpaced", "Qt Quick Particles", "PixiJS", "canvas 2D", "tsParticles", "bare blit")
 HERE = pathlib.Path(__file__).resolve().parent
@@ -46,29 +48,6 @@ class Figures:
     frames_per_second: float
     cpu_ms: float  # processor time of a frame, all threads and processes
     picture: bytes | None = None  # RGB, if it was asked for
-
-
-def processor_seconds(root):
-    """What the process and all its descendants have used so far."""
-    children = {}
-    for entry in os.listdir("/proc"):
-        if entry.isdigit():
-            try:
-                # After the name, which may hold anything, come the state and the parent.
-                parent = pathlib.Path("/proc", entry, "stat").read_text().rpartition(")")[2].split()[1]
-            except OSError:
-                continue
-            children.setdefault(int(parent), []).append(int(entry))
-    total = 0.0
-    pending = [root]
-    while pending:
-        process = pending.pop()
-        pending += children.get(process, [])
-        try:
-            total += time.clock_gettime(~process << 3 | 2)  # as clock_getcpuclockid() numbers the clocks of processes
-        except OSError:
-            continue
-    return total
 
 
 def run_program(name, command, screen, scene, seconds, wants_picture):

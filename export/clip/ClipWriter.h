@@ -53,9 +53,9 @@ using ClipDestination = std::variant<std::filesystem::path, ClipStream>;
 
 /// Writes a clip frame by frame.
 ///
-/// Frames are opaque pictures of the clip's size, as the renderer makes them; their own alpha is ignored. For a clip
-/// with alpha they are drawn on black. Frame n is shown from n / rate seconds on, for as long as a frame lasts; a GIF
-/// rounds these moments to hundredths of a second, and leaves out frames that would be shown for less than two of them.
+/// Frames are opaque pictures of the clip's size, as the renderer makes them. For a clip with alpha they are drawn on
+/// black. Frame n is shown from n / rate seconds on, for as long as a frame lasts; a GIF rounds these moments to
+/// hundredths of a second, and leaves out frames that would be shown for less than two of them.
 /// GIF, WebP and APNG repeat for ever. The colours of ProRes, WebM and Y4M are converted as Rec. 709 for heights of 720
 /// and more, else as Rec. 601, in the limited range, and tagged where the format can; those of the others are sRGB.
 /// Y4M has even sides: an odd width or height gets one more column or row, of black.

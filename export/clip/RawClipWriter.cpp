@@ -19,6 +19,9 @@ public:
         , m_alpha(alpha) {}
 
     Result<void> add(const ImageBuffer& frame) override {
+        if (m_alpha == AlphaMode::Opaque) {
+            return m_output.write(std::as_bytes(frame.bytes())); // As it is: copying took a third of the time.
+        }
         m_frame = frame;
         applyAlpha(m_frame, m_alpha);
         return m_output.write(std::as_bytes(m_frame.bytes()));

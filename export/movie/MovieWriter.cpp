@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/movie/MovieWriter.h"
 
+#include "base/Log.h"
 #include "base/PendingFile.h"
 #include "export/movie/MovieContainer.h"
 #include "export/movie/MovieEncoder.h"
@@ -37,6 +38,7 @@ private:
 
     MovieEncoder::PacketSink sink();
     Result<void> makeRegular();
+    bool partIsWhole() const;
     Result<void> named(Result<void> result) const;
 
     Error failure(const std::string& reason) const {
@@ -49,6 +51,7 @@ private:
     int m_framesPerSecond;
     MovieWriterOptions m_options;
     std::optional<MovieContainer> m_container;
+    bool m_isGivenUp = false; ///< While the regular file was made.
 };
 
 /// Puts the target's name before a reason.
@@ -98,18 +101,35 @@ Result<void> MovieWriter::Encoding::finish() {
         return named(finished);
     }
     if (auto made = makeRegular(); !made) {
-        return named(made);
+        if (m_isGivenUp || !partIsWhole()) {
+            return named(made);
+        }
+        // There is no room for it a second time, most likely. The fragments can be played as well.
+        log(LogLevel::Warning, "export", failure(made.error().message).message + "; it stays in fragments");
+        return m_part->commit();
     }
     auto committed = m_file.commit();
     m_part.reset();
     return committed;
 }
 
+bool MovieWriter::Encoding::partIsWhole() const {
+    auto reader = MovieReader::open(partPath(), m_framesPerSecond);
+    std::int64_t frames = 0;
+    while (reader && reader.value().next() != nullptr) {
+        ++frames;
+    }
+    return frames == m_encoder.frameCount();
+}
+
 Result<void> MovieWriter::Encoding::makeRegular() {
     if (!m_part) {
         return {};
     }
-    const auto goesOn = [this] { return !m_options.frameWritten || m_options.frameWritten(m_encoder.frameCount()); };
+    const auto goesOn = [this] {
+        m_isGivenUp = m_options.frameWritten && !m_options.frameWritten(m_encoder.frameCount());
+        return !m_isGivenUp;
+    };
     const auto copied = copyMovie(m_part->temporaryPath(), m_file.temporaryPath(), m_framesPerSecond, goesOn);
     if (!copied) {
         return copied.error();

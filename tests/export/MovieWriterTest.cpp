@@ -13,7 +13,9 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 extern "C" {
@@ -252,6 +254,36 @@ TEST(MovieWriter, fullDiskEndsARecordingEarly) {
         ++frame;
     }
     EXPECT_LT(frame, 1000U);
+}
+
+TEST(MovieWriter, noRoomForTheRegularFileKeepsTheFragments) {
+    constexpr int count = 60;
+    for (const bool isGivenUp : {false, true}) {
+        const TemporaryFolder folder;
+        std::optional<FileSizeLimit> limited;
+        int calls = 0;
+        auto writer =
+            MovieWriter::create(folder / "show.mp4", {.width = 64, .height = 64, .framesPerSecond = 30},
+                                {.survivesKill = true, .frameWritten = [&](std::int64_t) {
+                                     if (++calls == count + 1) {
+                                         limited.emplace(20'000); // The last frame has been written; now it copies.
+                                     }
+                                     return !isGivenUp || calls <= count + 1;
+                                 }});
+        ASSERT_TRUE(writer);
+        for (unsigned frame = 0; frame < count; ++frame) {
+            ASSERT_TRUE(writer.value().addFrame(noise(64, 64, frame)));
+        }
+        const Result<void> finished = writer.value().finish();
+        ASSERT_TRUE(limited);
+        limited.reset();
+        EXPECT_EQ(static_cast<bool>(finished), !isGivenUp);
+        { const auto gone = std::move(writer); }
+        EXPECT_EQ(folder.entryCount(), isGivenUp ? 0 : 1);
+        if (!isGivenUp) {
+            EXPECT_EQ(decode(folder / "show.mp4").size(), count * 64U * 64U * 3U);
+        }
+    }
 }
 
 TEST(MovieWriter, refusesWhatCannotBeAMovie) {

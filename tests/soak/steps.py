@@ -339,6 +339,11 @@ def export_pictures(driver, rng):
 NAMES = ("Fire", "Fire", "F", "Night 1", "a_b-c.d", "", ".hidden", "a:b", "   ", "x/y", "100%s", "n" * 120)
 
 
+def asks_to_replace_movie(driver):
+    """The question lies above the panel, and has its title."""
+    return len([each for each in driver.modals() if each.title.startswith("Save Movie")]) > 1
+
+
 def start_recording(driver, rng):
     """Three seconds, 24 to 30 frames each; gives whether it runs. The same name may be there already."""
     rate, fade, replace = rng.randrange(3), rng.random() < 0.3, rng.random() < 0.7
@@ -366,8 +371,8 @@ def start_recording(driver, rng):
         return False
     driver.focus(driver.window("Save Movie"))
     driver.answer_panel(folder / MOVIE)
-    if driver.comes(lambda: driver.window(PROGRESS) or [w for w in driver.modals() if w.title == "Save Movie"], 3):
-        if not driver.window(PROGRESS):  # A file of that name is there: shall it be replaced?
+    if driver.comes(lambda: driver.window(PROGRESS) or asks_to_replace_movie(driver), 3):
+        if not driver.window(PROGRESS):
             driver.key("alt+y" if replace else "alt+n")
     return driver.comes(lambda: driver.window(PROGRESS), 4)
 

@@ -13,9 +13,10 @@ namespace starbloom {
 ///
 /// The movie grows in a hidden file beside the target that survives the end of the program, however it comes (see
 /// MovieRecovery.h); what is complete of it reaches the disk about once a second. At the end it becomes a regular
-/// movie and takes the target's place. When it fails or is aborted, nothing is left and the target is as before. The
-/// frames are forgotten as they are encoded. The same frames give the same bytes on any machine. The size is that of
-/// the first frame; a frame of another size is laid into the bottom left corner, cut off or on black.
+/// movie, if there is room for that (see MovieWriterOptions), and takes the target's place. When it fails or is
+/// aborted, nothing is left and the target is as before. The frames are forgotten as they are encoded. The same frames
+/// give the same bytes on any machine. The size is that of the first frame; a frame of another size is laid into the
+/// bottom left corner, cut off or on black.
 ///
 /// `progress` and `finished` are called on the writer's thread; `finished` once, as the last thing, from where the
 /// writer must not be destroyed. All functions may be called from any thread.

@@ -205,6 +205,12 @@ Result<RecoveredMovie> recoverMovie(const UnfinishedMovie& movie, const std::fun
     if (!file) {
         return file.error();
     }
+    // A regular file that was begun is of no use, and may take the room for this one. Its being there still tells that
+    // the movie was not saved.
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(std::filesystem::symlink_status(movie.pending, ignored))) {
+        std::filesystem::resize_file(movie.pending, 0, ignored);
+    }
     const auto frames = copyMovie(movie.part, file.value().temporaryPath(), movie.framesPerSecond, goesOn);
     if (!frames) {
         return cannotRecover(movie, frames.error().message);

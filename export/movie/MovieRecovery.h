@@ -18,7 +18,7 @@ namespace starbloom {
 struct UnfinishedMovie {
     std::filesystem::path target;  ///< Where it was to go; absolute.
     std::filesystem::path part;    ///< What there is of it.
-    std::filesystem::path pending; ///< The hidden file that becomes the target at the very end; gone when it has.
+    std::filesystem::path pending; ///< The hidden file that becomes the target at the very end; gone when one has.
     int framesPerSecond = 0;
     std::filesystem::path journal; ///< The file that tells.
 };

@@ -7,8 +7,10 @@
 #include "export/movie/MovieEncoder.h"
 
 #include <cassert>
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace starbloom {
@@ -37,8 +39,9 @@ private:
     const PendingFile& growing() const { return m_part ? *m_part : m_file; }
 
     MovieEncoder::PacketSink sink();
-    Result<void> makeRegular();
-    bool partIsWhole() const;
+    Result<void> commitRegular();
+    Result<void> commitPart(const Error& error);
+    bool isWanted();
     Result<void> named(Result<void> result) const;
 
     Error failure(const std::string& reason) const {
@@ -51,7 +54,7 @@ private:
     int m_framesPerSecond;
     MovieWriterOptions m_options;
     std::optional<MovieContainer> m_container;
-    bool m_isGivenUp = false; ///< While the regular file was made.
+    bool m_isGivenUp = false; ///< Since all frames were written.
 };
 
 /// Puts the target's name before a reason.
@@ -100,46 +103,54 @@ Result<void> MovieWriter::Encoding::finish() {
     if (auto finished = m_container->finish(); !finished) {
         return named(finished);
     }
-    if (auto made = makeRegular(); !made) {
-        if (m_isGivenUp || !partIsWhole()) {
-            return named(made);
-        }
-        // There is no room for it a second time, most likely. The fragments can be played as well.
-        log(LogLevel::Warning, "export", failure(made.error().message).message + "; it stays in fragments");
-        return m_part->commit();
+    auto done = commitRegular();
+    if (!done && m_part && !m_isGivenUp) {
+        done = commitPart(done.error());
     }
-    auto committed = m_file.commit();
     m_part.reset();
-    return committed;
+    return done;
 }
 
-bool MovieWriter::Encoding::partIsWhole() const {
-    auto reader = MovieReader::open(partPath(), m_framesPerSecond);
+Result<void> MovieWriter::Encoding::commitRegular() {
+    if (m_part) {
+        const auto copied = copyMovie(m_part->temporaryPath(), m_file.temporaryPath(), m_framesPerSecond,
+                                      [this] { return isWanted(); });
+        if (!copied) {
+            return failure(copied.error().message);
+        }
+        // Another program may have been at the file meanwhile.
+        if (copied.value() != m_encoder.frameCount()) {
+            return failure("only " + std::to_string(copied.value()) + " of " + std::to_string(m_encoder.frameCount()) +
+                           " frames could be read back");
+        }
+        if (!isWanted()) {
+            return failure("stopped");
+        }
+    }
+    return m_file.commit();
+}
+
+/// Makes do with the fragments, as there was no room for the movie a second time, most likely. They have to hold all
+/// frames; otherwise the error is why there is no regular file.
+Result<void> MovieWriter::Encoding::commitPart(const Error& error) {
+    // What there is of the copy may stand in the way of what the disk has not got yet.
+    std::error_code ignored;
+    std::filesystem::resize_file(m_file.temporaryPath(), 0, ignored);
+    auto reader = MovieReader::open(m_part->temporaryPath(), m_framesPerSecond);
     std::int64_t frames = 0;
-    while (reader && reader.value().next() != nullptr) {
+    while (reader && isWanted() && reader.value().next() != nullptr) {
         ++frames;
     }
-    return frames == m_encoder.frameCount();
+    if (frames != m_encoder.frameCount() || !isWanted()) {
+        return error;
+    }
+    log(LogLevel::Warning, "export", error.message + "; the movie stays in fragments");
+    return m_part->commit();
 }
 
-Result<void> MovieWriter::Encoding::makeRegular() {
-    if (!m_part) {
-        return {};
-    }
-    const auto goesOn = [this] {
-        m_isGivenUp = m_options.frameWritten && !m_options.frameWritten(m_encoder.frameCount());
-        return !m_isGivenUp;
-    };
-    const auto copied = copyMovie(m_part->temporaryPath(), m_file.temporaryPath(), m_framesPerSecond, goesOn);
-    if (!copied) {
-        return copied.error();
-    }
-    // Another program may have been at the file meanwhile.
-    if (copied.value() != m_encoder.frameCount()) {
-        return Error{"only " + std::to_string(copied.value()) + " of " + std::to_string(m_encoder.frameCount()) +
-                     " frames could be read back"};
-    }
-    return {};
+bool MovieWriter::Encoding::isWanted() {
+    m_isGivenUp = m_isGivenUp || (m_options.frameWritten && !m_options.frameWritten(m_encoder.frameCount()));
+    return !m_isGivenUp;
 }
 
 Result<MovieWriter> MovieWriter::create(const std::filesystem::path& target, const MovieFormat& format,

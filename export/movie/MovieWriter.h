@@ -14,8 +14,9 @@ namespace starbloom {
 
 struct MovieWriterOptions {
     /// Lets the movie grow in a fragmented file that can be played up to where it ends, whenever that is (see
-    /// recoverMovie()). finish() makes a regular one from it, so for a moment the movie lies on the disk twice; where
-    /// there is no room for that, the fragmented one becomes the movie.
+    /// recoverMovie()). finish() makes a regular one from it, so for a moment the movie lies on the disk twice. Where
+    /// there is no room for that, the fragmented one becomes the movie: its pictures are the same, but its index is
+    /// spread over the file, and its times begin two frames late.
     bool survivesKill = false;
 
     /// Called for each frame that has been written, with their number so far, and again while finish() copies. When it

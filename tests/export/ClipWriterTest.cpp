@@ -148,6 +148,11 @@ TEST(ClipWriter, laidOverAColourIsTheShow) {
     // Light on black that is added to a colour is what the renderer draws on that colour.
     const auto drawn = showFrames(width, height, 12, {32 / 255.0F, 64 / 255.0F, 160 / 255.0F, 1.0F});
     ASSERT_TRUE(writeClip(folder / "drawn.rgba", drawn));
+    for (const ImageBuffer& frame : drawn) {
+        for (std::size_t i = 3; i < frame.bytes().size(); i += 4) {
+            ASSERT_EQ(frame.bytes()[i], 255); // Raw frames are written as they are.
+        }
+    }
     ASSERT_TRUE(writeClip(folder / "light.apng", frames));
     EXPECT_EQ(laidOver(folder / "light.apng", AlphaMode::Opaque), decodeWith(inputOf(folder / "drawn.rgba"), "rgb24"));
 }

@@ -15,7 +15,6 @@
 #include <fstream>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 extern "C" {
@@ -256,32 +255,43 @@ TEST(MovieWriter, fullDiskEndsARecordingEarly) {
     EXPECT_LT(frame, 1000U);
 }
 
-TEST(MovieWriter, noRoomForTheRegularFileKeepsTheFragments) {
+TEST(MovieWriter, noRoomForTheRegularFileKeepsTheFragmentsIfTheyAreWholeAndWanted) {
+    enum class Meanwhile { Nothing, GivenUp, Damaged };
     constexpr int count = 60;
-    for (const bool isGivenUp : {false, true}) {
+    for (const auto meanwhile : {Meanwhile::Nothing, Meanwhile::GivenUp, Meanwhile::Damaged}) {
         const TemporaryFolder folder;
+        const auto target = folder / "show.mp4";
+        std::ofstream(target) << "old";
         std::optional<FileSizeLimit> limited;
+        std::filesystem::path part;
         int calls = 0;
-        auto writer =
-            MovieWriter::create(folder / "show.mp4", {.width = 64, .height = 64, .framesPerSecond = 30},
-                                {.survivesKill = true, .frameWritten = [&](std::int64_t) {
-                                     if (++calls == count + 1) {
-                                         limited.emplace(20'000); // The last frame has been written; now it copies.
-                                     }
-                                     return !isGivenUp || calls <= count + 1;
-                                 }});
-        ASSERT_TRUE(writer);
-        for (unsigned frame = 0; frame < count; ++frame) {
-            ASSERT_TRUE(writer.value().addFrame(noise(64, 64, frame)));
+        const auto wroteOrCopied = [&](std::int64_t /*frames*/) {
+            if (++calls == count + 1) { // The last frame has been written; now it copies.
+                if (meanwhile == Meanwhile::Damaged) {
+                    std::filesystem::resize_file(part, std::filesystem::file_size(part) - 1000);
+                }
+                limited.emplace(20'000);
+            }
+            return meanwhile != Meanwhile::GivenUp || calls <= count + 1;
+        };
+        {
+            auto writer = MovieWriter::create(target, {.width = 64, .height = 64, .framesPerSecond = 30},
+                                              {.survivesKill = true, .frameWritten = wroteOrCopied});
+            ASSERT_TRUE(writer);
+            part = writer.value().partPath();
+            for (unsigned frame = 0; frame < count; ++frame) {
+                ASSERT_TRUE(writer.value().addFrame(noise(64, 64, frame)));
+            }
+            EXPECT_EQ(static_cast<bool>(writer.value().finish()), meanwhile == Meanwhile::Nothing);
         }
-        const Result<void> finished = writer.value().finish();
         ASSERT_TRUE(limited);
         limited.reset();
-        EXPECT_EQ(static_cast<bool>(finished), !isGivenUp);
-        { const auto gone = std::move(writer); }
-        EXPECT_EQ(folder.entryCount(), isGivenUp ? 0 : 1);
-        if (!isGivenUp) {
-            EXPECT_EQ(decode(folder / "show.mp4").size(), count * 64U * 64U * 3U);
+        EXPECT_EQ(folder.entryCount(), 1);
+        if (meanwhile == Meanwhile::Nothing) {
+            EXPECT_GT(std::filesystem::file_size(target), 20'000U);
+            EXPECT_EQ(decode(target).size(), count * 64U * 64U * 3U);
+        } else {
+            EXPECT_EQ(std::filesystem::file_size(target), 3U);
         }
     }
 }

@@ -47,7 +47,7 @@ def processor_seconds(root):
 
 def quietly(*command, folder=ROOT):
     """Runs it. What it printed is kept only if it failed."""
-    script = pathlib.Path(sys.argv[0]).name
+    script = pathlib.Path(sys.argv[0]).resolve().relative_to(ROOT)
     try:
         done = subprocess.run(command, cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     except FileNotFoundError:

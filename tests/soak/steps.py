@@ -373,7 +373,10 @@ def start_recording(driver, rng):
     driver.answer_panel(folder / MOVIE)
     if driver.comes(lambda: driver.window(PROGRESS) or asks_to_replace_movie(driver), 3):
         if not driver.window(PROGRESS):
+            driver.focus(driver.window("Save Movie"))
             driver.key("alt+y" if replace else "alt+n")
+            if not driver.comes(lambda: not asks_to_replace_movie(driver), 4):
+                raise Finding("the question whether to replace a movie stays")
     return driver.comes(lambda: driver.window(PROGRESS), 4)
 
 

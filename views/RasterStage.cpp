@@ -129,6 +129,31 @@ bool RasterStage::present(const StageMoment& moment) {
     return true;
 }
 
+std::optional<QRect> RasterStage::sharedPixels() const {
+    return m_memoryLasts && m_memory.isShared() ? std::optional(coveredPixels(m_widget.rect(), toWindowPixels()))
+                                                : std::nullopt;
+}
+
+void RasterStage::renderElsewhere(const StageMoment& moment, const RasterTarget& target, LitArea& lit) {
+    m_renderer.renderNext(moment.sparks,
+                          {.time = moment.time, .pixelsPerPoint = m_pixelsPerPoint, .background = moment.background},
+                          target, lit);
+}
+
+void RasterStage::take(const QImage& shown) {
+    m_lit.forget();
+    QBackingStore* const store = m_widget.window()->backingStore();
+    if (store == nullptr) {
+        return;
+    }
+    const QRect place(m_widget.mapTo(m_widget.window(), QPoint()), m_widget.size());
+    if (QImage* const memory = m_memory.begin(*store, place)) {
+        const QRect pixels = coveredPixels(m_widget.rect(), toWindowPixels());
+        copyPixels(shown, pixels.topLeft(), pixels, *memory);
+    }
+    store->endPaint();
+}
+
 QRegion RasterStage::render(const StageMoment& moment) {
     renderOwn(moment, {m_target.width, m_target.height}, m_pixelsPerPoint);
     return changedPoints();

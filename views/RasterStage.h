@@ -11,6 +11,7 @@
 #include <QSize>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QPainter;
@@ -45,6 +46,16 @@ public:
     /// where the stage lies is not known yet, a part of it is out of sight, or something is painted above it. Only
     /// while the stage can be seen.
     bool present(const StageMoment& moment);
+
+    /// Where present() has shown it among the pixels of a window whose memory an X11 server shares; else nothing.
+    std::optional<QRect> sharedPixels() const;
+
+    /// Draws a moment into memory that holds the frame that `lit` tells of. Nothing here changes but what drawing
+    /// needs.
+    void renderElsewhere(const StageMoment& moment, const RasterTarget& target, LitArea& lit);
+
+    /// Takes into the window's memory what the screen shows already.
+    void take(const QImage& shown);
 
     /// Draws a moment where the last one was. The answer is what has to be painted, in points. Only while placed.
     QRegion render(const StageMoment& moment);

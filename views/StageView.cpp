@@ -37,7 +37,9 @@ std::chrono::nanoseconds StageView::steadyClock() {
 StageView::StageView(std::uint64_t seed, ClockSource clockSource, QWidget* parent)
     : QWidget(parent)
     , m_seed(seed)
-    , m_clockSource(std::move(clockSource)) {
+    , m_clockSource(std::move(clockSource))
+    , m_quietShow([this](const RasterTarget& target, LitArea& lit) { return drawQuietly(target, lit); },
+                  [this] { goOnAfterQuiet(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setObjectName(QStringLiteral("stage"));
@@ -62,11 +64,13 @@ QSize StageView::minimumSizeHint() const {
 }
 
 void StageView::setRootLayer(std::shared_ptr<const RootLayer> rootLayer) {
+    endQuiet();
     m_rootLayer = std::move(rootLayer);
     restart();
 }
 
 void StageView::layerChanged() {
+    endQuiet();
     if (m_rootLayer == nullptr) {
         return;
     }
@@ -105,6 +109,7 @@ void StageView::takePlan(const EmitterLayer& emitter) {
 }
 
 void StageView::restart() {
+    endQuiet();
     m_realTime = m_clockSource();
     m_clock = LayerClock(0.0);
     m_simulation.reset();
@@ -142,6 +147,7 @@ void StageView::startOrStop() {
 }
 
 void StageView::restartSchedule() {
+    endQuiet();
     if (m_playing) {
         m_schedule.start(m_clockSource(), m_screen != nullptr ? m_screen->refreshRate() : FrameSchedule::fallbackRate);
         showDueFrame();
@@ -170,9 +176,11 @@ void StageView::showChanges() {
         return;
     }
     if (m_raster.present(moment())) {
+        ++m_presented;
         momentShown();
         return;
     }
+    m_presented = 0;
     // Drawn now and not when it is painted, so that only what has changed needs to be.
     const QRegion changed = m_raster.render(moment());
     momentShown();
@@ -180,9 +188,49 @@ void StageView::showChanges() {
 }
 
 void StageView::waitForNextFrame() {
+    if (playQuietly()) {
+        return;
+    }
     // Rounded up: a timer that wakes too early would find nothing to show.
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(m_schedule.untilNextFrame(m_clockSource()));
     m_timer.start(std::max(wait, 1ms));
+}
+
+bool StageView::playQuietly() {
+    constexpr int quietFrames = 30;
+    const auto* const clock = m_clockSource.target<std::chrono::nanoseconds (*)()>(); // Others may be of one thread.
+    if (m_presented < quietFrames || m_recording || clock == nullptr || *clock != steadyClock) {
+        return false;
+    }
+    m_presented = 0;
+    const auto pixels = m_raster.sharedPixels();
+    return pixels && m_quietShow.begin(*m_window, *pixels);
+}
+
+QuietShow::Frame StageView::drawQuietly(const RasterTarget& target, LitArea& lit) {
+    QuietShow::Frame frame;
+    if (const auto due = m_schedule.takeDueFrame(m_clockSource())) {
+        passTimeUntil(*due);
+        m_raster.renderElsewhere(moment(), target, lit);
+        momentShown();
+        frame.drawn = true;
+    }
+    frame.next = m_schedule.untilNextFrame(m_clockSource());
+    return frame;
+}
+
+void StageView::endQuiet() {
+    if (m_quietShow.end()) {
+        goOnAfterQuiet();
+    }
+}
+
+void StageView::goOnAfterQuiet() {
+    m_presented = 0;
+    if (const QImage shown = m_quietShow.picture(); !shown.isNull()) {
+        m_raster.take(shown);
+    }
+    waitForNextFrame();
 }
 
 void StageView::invalidate() {
@@ -229,6 +277,7 @@ void StageView::moveEvent(QMoveEvent* event) {
 }
 
 void StageView::setScreenRenderer(std::unique_ptr<StageRenderer> renderer) {
+    endQuiet();
     if (m_screenRenderer != nullptr) {
         m_formerRenderer = std::move(m_screenRenderer);
         m_raster.forgetPlace();
@@ -291,12 +340,14 @@ void StageView::renderInto(ImageBuffer& image, const std::optional<Simulation>& 
 }
 
 StageView::Capture StageView::capture() {
+    endQuiet();
     Capture taken{ImageBuffer(width(), height()), m_clock.time(), m_steady};
     renderInto(taken.image, m_simulation, taken.moment);
     return taken;
 }
 
 void StageView::beginRecording() {
+    endQuiet();
     m_recording = Recording{m_realTime, m_clock, m_simulation};
 }
 

@@ -7,6 +7,7 @@
 #include "engine/time/LayerClock.h"
 #include "engine/time/Simulation.h"
 #include "views/FrameSchedule.h"
+#include "views/QuietShow.h"
 #include "views/RasterStage.h"
 #include "views/StageRenderer.h"
 
@@ -14,6 +15,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -40,7 +42,8 @@ namespace starbloom {
 /// CPU does.
 ///
 /// Owns everything it needs but the layer tree, which it shares. Lives on the GUI thread; the CPU's renderer uses the
-/// process's worker threads while a frame is drawn.
+/// process's worker threads while a frame is drawn, and while nothing but the show happens a thread shows it, see
+/// QuietShow. Then whoever changes the layer does so from an event, or calls restart() or capture() first.
 class StageView : public QWidget, public Stage {
     Q_OBJECT
 
@@ -91,7 +94,13 @@ public:
     void endRecording();
 
     /// The picture that the CPU has drawn last, in pixels of the screen.
-    QImage picture() const { return m_raster.picture(); }
+    QImage picture() {
+        endQuiet();
+        return m_raster.picture();
+    }
+
+    /// Whether it plays from a thread of its own, see QuietShow.
+    bool playsQuietly() const { return m_quietShow.isPlaying(); }
 
     /// How many pictures have been drawn so far.
     std::uint64_t renderedFrames() const { return m_renderedFrames; }
@@ -123,6 +132,10 @@ private:
     void showDueFrame();
     void showChanges();
     void waitForNextFrame();
+    bool playQuietly();
+    QuietShow::Frame drawQuietly(const RasterTarget& target, LitArea& lit);
+    void endQuiet();
+    void goOnAfterQuiet();
     void passTimeUntil(std::chrono::nanoseconds moment);
     void readLayer();
     void invalidate();
@@ -164,9 +177,12 @@ private:
     QPointer<QScreen> m_screen; ///< Where it is, and whose rate counts.
     QMetaObject::Connection m_rateConnection;
 
-    double m_shownTime = 0.0; ///< The moment that the screen has.
-    bool m_stale = true;      ///< Whether it is no longer the present one.
-    std::uint64_t m_renderedFrames = 0;
+    std::atomic<double> m_shownTime = 0.0; ///< The moment that the screen has.
+    bool m_stale = true;                   ///< Whether it is no longer the present one.
+    std::atomic<std::uint64_t> m_renderedFrames = 0;
+
+    int m_presented = 0;   ///< Frames since something else was painted, or a quiet show was ended.
+    QuietShow m_quietShow; ///< Has all of the above while it plays.
 };
 
 } // namespace starbloom

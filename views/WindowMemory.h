@@ -28,6 +28,9 @@ public:
     /// window, or nothing when pixels cannot be written to it as they are.
     QImage* begin(QBackingStore& store, const QRect& place);
 
+    /// Whether an X11 server reads it where it is.
+    bool isShared() const { return m_shared; }
+
     /// The place has been painted in another way since, or may have been.
     void forget() { m_place = QRect(); }
 

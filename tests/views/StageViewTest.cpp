@@ -63,7 +63,7 @@ struct Theatre {
     }
 
     /// The same moment, drawn without a widget.
-    QImage reference() const {
+    QImage reference() {
         Simulation simulation(seed, EmitterPlan::of(controller.mortor()));
         simulation.advanceTo(stage.shownTime());
         QImage image(stage.picture().size(), QImage::Format_RGB32);

@@ -31,6 +31,9 @@ public:
     /// How long until the frame after the last one taken is due; 0 when it is already.
     Nanoseconds untilNextFrame(Nanoseconds now) const;
 
+    /// When that is.
+    Nanoseconds nextFrame() const { return dueTime(m_nextFrame); }
+
 private:
     Nanoseconds dueTime(std::int64_t frame) const;
 

@@ -4,12 +4,10 @@
 #include <QCoreApplication>
 #include <QWindow>
 
-#include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace starbloom {
-
-using namespace std::chrono_literals;
 
 QuietShow::QuietShow(Draw draw, std::function<void()> ended)
     : m_draw(std::move(draw))
@@ -28,7 +26,7 @@ QuietShow::~QuietShow() {
 }
 
 bool QuietShow::begin(QWindow& window, const QRect& place) {
-    if (m_begun || !hasPixelsFor(window, place.size())) {
+    if (m_begun || !hasPixelsFor(window, place.size()) || !hasThread()) {
         return false;
     }
     {
@@ -39,9 +37,6 @@ bool QuietShow::begin(QWindow& window, const QRect& place) {
         m_plays = true;
     }
     m_changed.notify_one();
-    if (!m_thread.joinable()) {
-        m_thread = std::thread([this] { run(); });
-    }
     m_begun = true;
     QCoreApplication::instance()->installEventFilter(this);
     return true;
@@ -64,6 +59,17 @@ bool QuietShow::hasPixelsFor(QWindow& window, const QSize& size) {
     return !m_refused;
 }
 
+bool QuietShow::hasThread() {
+    if (!m_thread.joinable()) {
+        try {
+            m_thread = std::thread([this] { run(); });
+        } catch (const std::system_error&) {
+            m_refused = true;
+        }
+    }
+    return !m_refused;
+}
+
 bool QuietShow::end() {
     if (!m_begun) {
         return false;
@@ -73,6 +79,12 @@ bool QuietShow::end() {
     m_plays = false;
     const std::lock_guard lock(m_mutex);
     return true;
+}
+
+void QuietShow::release() {
+    const std::lock_guard lock(m_mutex);
+    m_hasShown = false;
+    m_pixels.reset();
 }
 
 QImage QuietShow::picture() const {
@@ -100,7 +112,7 @@ void QuietShow::run() {
         }
         showFrame();
         if (m_plays) {
-            m_changed.wait_for(lock, std::max<std::chrono::nanoseconds>(m_untilNext, 1ms)); // Others want to run, too.
+            m_changed.wait_until(lock, std::chrono::steady_clock::time_point(m_next));
         }
     }
 }
@@ -114,7 +126,7 @@ void QuietShow::showFrame() {
         m_pixels->show(m_lit.changed(), m_place.x(), m_place.y());
         m_hasShown = true;
     }
-    m_untilNext = frame.next;
+    m_next = frame.next;
 }
 
 } // namespace starbloom

@@ -35,7 +35,7 @@ class QuietShow final : public QObject {
 public:
     struct Frame {
         bool drawn = false;              ///< Whether one was due.
-        std::chrono::nanoseconds next{}; ///< How long until the next one is.
+        std::chrono::nanoseconds next{}; ///< When the next one is, by the steady clock.
     };
 
     /// Draws the frame that is due into memory that holds the last one. Called by the thread; throws nothing.
@@ -53,8 +53,11 @@ public:
 
     bool isPlaying() const { return m_begun; }
 
-    /// The picture shown last, in memory that stays until the next begin(); none if it was ended before the first
-    /// frame. Only after end().
+    /// Lets go of the memory, until the next begin(). Not while playing.
+    void release();
+
+    /// The picture shown last, in memory that stays until the next begin() or release(); none if it was ended before
+    /// the first frame. Only after end().
     QImage picture() const;
 
 protected:
@@ -62,6 +65,7 @@ protected:
 
 private:
     bool hasPixelsFor(QWindow& window, const QSize& size);
+    bool hasThread();
     void run();
     void showFrame();
 
@@ -75,11 +79,11 @@ private:
     std::atomic<bool> m_plays = false; ///< Taken back without the mutex, which a thread behind its time hardly lets go.
     bool m_leaves = false;
     std::unique_ptr<SharedPixels> m_pixels;
-    bool m_refused = false; ///< There is no such memory.
+    bool m_refused = false; ///< There is no such memory, or no thread.
     bool m_hasShown = false;
     QPoint m_place;
     LitArea m_lit;
-    std::chrono::nanoseconds m_untilNext{};
+    std::chrono::nanoseconds m_next{};
 
     std::thread m_thread; ///< Begun when first needed.
 };

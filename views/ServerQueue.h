@@ -6,7 +6,7 @@ namespace starbloom {
 /// What has been sent to the screen's server and not been read by it yet, asked of the system and not of the server,
 /// which would have to answer and be waited for.
 ///
-/// Borrows the connection's socket. GUI thread.
+/// Borrows the connection's socket. Made on the GUI thread, used on any.
 class ServerQueue {
 public:
     /// Nothing is known of a negative socket, or one that is closed.

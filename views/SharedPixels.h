@@ -42,7 +42,7 @@ private:
 
     xcb_connection_t* m_connection = nullptr;
     std::uint32_t m_window = 0;
-    std::uint32_t m_segment = 0; ///< As the server knows the memory; 0 for none.
+    std::uint32_t m_segment = 0; ///< As the server knows the memory.
     std::uint32_t m_context = 0;
     std::uint8_t m_depth = 0;
     RasterTarget m_target;

@@ -46,7 +46,7 @@ StageView::StageView(std::uint64_t seed, ClockSource clockSource, QWidget* paren
     setAccessibleName(qtTrId("stageName"));
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
-    connect(&m_timer, &QTimer::timeout, this, &StageView::showDueFrame);
+    connect(&m_timer, &QTimer::timeout, this, &StageView::frameTimeout);
 }
 
 StageView::~StageView() = default;
@@ -66,6 +66,7 @@ QSize StageView::minimumSizeHint() const {
 void StageView::setRootLayer(std::shared_ptr<const RootLayer> rootLayer) {
     endQuiet();
     m_rootLayer = std::move(rootLayer);
+    m_background = Color{0.0F, 0.0F, 0.0F, 1.0F};
     restart();
 }
 
@@ -80,6 +81,9 @@ void StageView::layerChanged() {
 }
 
 void StageView::readLayer() {
+    if (m_rootLayer != nullptr) {
+        m_background = m_rootLayer->backgroundColor;
+    }
     if (m_rootLayer != nullptr && !m_rootLayer->sublayers.empty()) {
         const EmitterLayer& emitter = *m_rootLayer->sublayers.front();
         takePlan(emitter);
@@ -148,23 +152,32 @@ void StageView::startOrStop() {
 
 void StageView::restartSchedule() {
     endQuiet();
+    m_presentedSince.reset();
     if (m_playing) {
         m_schedule.start(m_clockSource(), m_screen != nullptr ? m_screen->refreshRate() : FrameSchedule::fallbackRate);
         showDueFrame();
+        waitForNextFrame();
     }
 }
 
-void StageView::showDueFrame() {
-    const auto now = m_clockSource();
-    if (const auto moment = m_schedule.takeDueFrame(now)) {
+bool StageView::showDueFrame() {
+    const auto moment = m_schedule.takeDueFrame(m_clockSource());
+    if (moment) {
         passTimeUntil(*moment);
         showChanges();
     }
-    waitForNextFrame();
+    return moment.has_value();
+}
+
+void StageView::frameTimeout() {
+    if (!showDueFrame() || !playQuietly()) {
+        waitForNextFrame();
+    }
 }
 
 void StageView::showChanges() {
     m_stale = true;
+    const auto presentedSince = std::exchange(m_presentedSince, std::nullopt);
     if (!canBeSeen()) {
         return;
     }
@@ -176,11 +189,10 @@ void StageView::showChanges() {
         return;
     }
     if (m_raster.present(moment())) {
-        ++m_presented;
+        m_presentedSince = presentedSince.value_or(m_realTime);
         momentShown();
         return;
     }
-    m_presented = 0;
     // Drawn now and not when it is painted, so that only what has changed needs to be.
     const QRegion changed = m_raster.render(moment());
     momentShown();
@@ -188,21 +200,19 @@ void StageView::showChanges() {
 }
 
 void StageView::waitForNextFrame() {
-    if (playQuietly()) {
-        return;
-    }
     // Rounded up: a timer that wakes too early would find nothing to show.
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(m_schedule.untilNextFrame(m_clockSource()));
     m_timer.start(std::max(wait, 1ms));
 }
 
 bool StageView::playQuietly() {
-    constexpr int quietFrames = 30;
+    constexpr auto quietTime = 1s; // Longer than a caret takes to blink, which is an event.
     const auto* const clock = m_clockSource.target<std::chrono::nanoseconds (*)()>(); // Others may be of one thread.
-    if (m_presented < quietFrames || m_recording || clock == nullptr || *clock != steadyClock) {
+    if (!m_presentedSince || m_realTime - *m_presentedSince < quietTime || m_recording || clock == nullptr ||
+        *clock != steadyClock) {
         return false;
     }
-    m_presented = 0;
+    m_presentedSince.reset();
     const auto pixels = m_raster.sharedPixels();
     return pixels && m_quietShow.begin(*m_window, *pixels);
 }
@@ -215,7 +225,7 @@ QuietShow::Frame StageView::drawQuietly(const RasterTarget& target, LitArea& lit
         momentShown();
         frame.drawn = true;
     }
-    frame.next = m_schedule.untilNextFrame(m_clockSource());
+    frame.next = m_schedule.nextFrame();
     return frame;
 }
 
@@ -226,7 +236,7 @@ void StageView::endQuiet() {
 }
 
 void StageView::goOnAfterQuiet() {
-    m_presented = 0;
+    m_presentedSince.reset();
     if (const QImage shown = m_quietShow.picture(); !shown.isNull()) {
         m_raster.take(shown);
     }
@@ -244,11 +254,12 @@ void StageView::paintEvent(QPaintEvent* event) {
     if (m_renderedFrames == 0) {
         log(LogLevel::Info, "views", "first frame"); // What the benchmark of the launch waits for.
     }
+    m_presentedSince.reset();
     QPainter painter(this);
     const bool toWindow = paintsWindow(painter);
     if (toWindow && showOnSurface()) {
         // For the edge that a surface of whole points may leave free between the pixels of the screen.
-        const Color color = background();
+        const Color color = m_background;
         const auto channel = [&color](float value) { return std::clamp(value * color.alpha, 0.0F, 1.0F); };
         painter.fillRect(event->rect(),
                          QColor::fromRgbF(channel(color.red), channel(color.green), channel(color.blue)));
@@ -282,6 +293,7 @@ void StageView::setScreenRenderer(std::unique_ptr<StageRenderer> renderer) {
         m_formerRenderer = std::move(m_screenRenderer);
         m_raster.forgetPlace();
     }
+    m_quietShow.release();
     m_screenRenderer = std::move(renderer);
     if (canBeSeen()) {
         update();
@@ -319,7 +331,7 @@ bool StageView::paintsWindow(const QPainter& painter) const {
 }
 
 StageMoment StageView::moment() const {
-    return {m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{}, m_clock.time(), background(),
+    return {m_simulation ? m_simulation->sparks() : std::span<const SparkBatch>{}, m_clock.time(), m_background,
             m_show};
 }
 
@@ -329,13 +341,9 @@ void StageView::momentShown() {
     ++m_renderedFrames;
 }
 
-Color StageView::background() const {
-    return m_rootLayer != nullptr ? m_rootLayer->backgroundColor : Color{0.0F, 0.0F, 0.0F, 1.0F};
-}
-
 void StageView::renderInto(ImageBuffer& image, const std::optional<Simulation>& simulation, double time) {
     m_raster.pictureRenderer().render(simulation ? simulation->sparks() : std::span<const SparkBatch>{},
-                                      {.time = time, .pixelsPerPoint = 1.0, .background = background()},
+                                      {.time = time, .pixelsPerPoint = 1.0, .background = m_background},
                                       RasterTarget::of(image));
 }
 

@@ -43,7 +43,7 @@ namespace starbloom {
 ///
 /// Owns everything it needs but the layer tree, which it shares. Lives on the GUI thread; the CPU's renderer uses the
 /// process's worker threads while a frame is drawn, and while nothing but the show happens a thread shows it, see
-/// QuietShow. Then whoever changes the layer does so from an event, or calls restart() or capture() first.
+/// QuietShow.
 class StageView : public QWidget, public Stage {
     Q_OBJECT
 
@@ -129,7 +129,8 @@ private:
     void nowSeen();
     void startOrStop();
     void restartSchedule();
-    void showDueFrame();
+    bool showDueFrame();
+    void frameTimeout();
     void showChanges();
     void waitForNextFrame();
     bool playQuietly();
@@ -145,12 +146,12 @@ private:
     StageMoment moment() const;
     void momentShown();
     void renderInto(ImageBuffer& image, const std::optional<Simulation>& simulation, double time);
-    Color background() const;
     void takePlan(const EmitterLayer& emitter);
 
     const std::uint64_t m_seed;
     ClockSource m_clockSource;
     std::shared_ptr<const RootLayer> m_rootLayer;
+    Color m_background{0.0F, 0.0F, 0.0F, 1.0F};
 
     std::chrono::nanoseconds m_realTime{}; ///< Up to where m_clock has followed real time.
     LayerClock m_clock{0.0};
@@ -181,7 +182,8 @@ private:
     bool m_stale = true;                   ///< Whether it is no longer the present one.
     std::atomic<std::uint64_t> m_renderedFrames = 0;
 
-    int m_presented = 0;   ///< Frames since something else was painted, or a quiet show was ended.
+    std::optional<std::chrono::nanoseconds>
+        m_presentedSince;  ///< From when on nothing but frames was shown, without painting.
     QuietShow m_quietShow; ///< Has all of the above while it plays.
 };
 

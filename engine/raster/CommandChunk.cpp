@@ -48,7 +48,22 @@ void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atl
     sortByTile(grid);
 }
 
-// These two are called for each spark: not inlined they would have it written to memory and read back.
+// These are called for each spark: not inlined they would have it written to memory and read back.
+[[gnu::always_inline]] inline void CommandChunk::writePart(const Sprite& sprite, int row, int end, const TileGrid& grid,
+                                                           SparkCommand& command) {
+    // Value by value: what was just written in pieces and is read as a whole has to wait for the cache.
+    const SparkCommand& from = sprite.command;
+    const int rowInBand = row % TileGrid::tileHeight;
+    command.mask = from.mask + static_cast<std::ptrdiff_t>(row - sprite.top) * from.stride;
+    command.place = from.place + static_cast<std::int32_t>(rowInBand * 3 * grid.planeStride());
+    command.rows = static_cast<std::uint16_t>(end - row);
+    command.width = from.width;
+    command.stride = from.stride;
+    command.red = from.red;
+    command.green = from.green;
+    command.blue = from.blue;
+}
+
 [[gnu::always_inline]] inline void CommandChunk::markLit(const Sprite& sprite, const TileGrid& grid) {
     const int firstColumn = std::max(sprite.left, 0) / CellGrid::cellWidth;
     const int lastColumn = (std::min(sprite.left + sprite.command.width, grid.width()) - 1) / CellGrid::cellWidth;
@@ -58,6 +73,13 @@ void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atl
     std::uint8_t* last = m_lit.data() + grid.cells().index(lastRow, 0);
     if (sprite.command.width <= CellGrid::cellWidth && sprite.rows <= CellGrid::cellHeight) {
         first[firstColumn] = first[lastColumn] = last[firstColumn] = last[lastColumn] = 1;
+        return;
+    }
+    if (lastColumn - firstColumn <= 2) { // As of most, and too few to call a fill for.
+        const int between = (firstColumn + lastColumn) / 2;
+        for (; first <= last; first += grid.cells().columns) {
+            first[firstColumn] = first[between] = first[lastColumn] = 1;
+        }
         return;
     }
     for (; first <= last; first += grid.cells().columns) {
@@ -75,20 +97,8 @@ void CommandChunk::place(const RasterKernels& kernels, const TileGrid& grid, Atl
     const int end = std::min(sprite.top + sprite.rows, grid.height());
     const int band = first / TileGrid::tileHeight;
     const int firstEnd = std::min((band + 1) * TileGrid::tileHeight, end);
-    // Value by value: what was just written in pieces and is read as a whole has to wait for the cache.
-    const auto place = [&](SparkCommand& command, int row, int rowInBand, int rows) {
-        const SparkCommand& from = sprite.command;
-        command.mask = from.mask + static_cast<std::ptrdiff_t>(row - sprite.top) * from.stride;
-        command.place = from.place + static_cast<std::int32_t>(rowInBand * 3 * grid.planeStride());
-        command.rows = static_cast<std::uint16_t>(rows);
-        command.width = from.width;
-        command.stride = from.stride;
-        command.red = from.red;
-        command.green = from.green;
-        command.blue = from.blue;
-    };
-    place(m_commands[m_count], first, first % TileGrid::tileHeight, firstEnd - first);
-    place(m_commands[m_count + 1], firstEnd, 0, end - firstEnd);
+    writePart(sprite, first, firstEnd, grid, m_commands[m_count]);
+    writePart(sprite, firstEnd, end, grid, m_commands[m_count + 1]);
     const auto tile = static_cast<std::uint32_t>(grid.tile(band, sprite.column));
     m_tiles[m_count] = tile;
     m_tiles[m_count + 1] = tile + static_cast<std::uint32_t>(grid.columns());
@@ -144,18 +154,11 @@ void CommandChunk::appendTall(const Sprite& sprite, const TileGrid& grid) {
     const int end = std::min(sprite.top + sprite.rows, grid.height());
     int row = std::max(sprite.top, 0);
     makeRoomFor(static_cast<std::size_t>((end - row) / TileGrid::tileHeight + 2) + m_most);
-    SparkCommand command = sprite.command;
-    command.mask += static_cast<std::ptrdiff_t>(row - sprite.top) * sprite.command.stride;
-    while (row < end) {
-        const int rowInBand = row % TileGrid::tileHeight;
-        const int rows = std::min(TileGrid::tileHeight - rowInBand, end - row);
-        command.place = static_cast<std::int32_t>(sprite.left + rowInBand * 3 * grid.planeStride());
-        command.rows = static_cast<std::uint16_t>(rows);
-        m_commands[m_count] = command;
-        m_tiles[m_count] = static_cast<std::uint32_t>(grid.tile(row / TileGrid::tileHeight, sprite.column));
-        ++m_count;
-        command.mask += static_cast<std::ptrdiff_t>(rows) * command.stride;
-        row += rows;
+    for (int band = row / TileGrid::tileHeight; row < end; ++band) {
+        const int partEnd = std::min((band + 1) * TileGrid::tileHeight, end);
+        writePart(sprite, row, partEnd, grid, m_commands[m_count]);
+        m_tiles[m_count++] = static_cast<std::uint32_t>(grid.tile(band, sprite.column));
+        row = partEnd;
     }
     markLit(sprite, grid);
 }

@@ -102,6 +102,7 @@ private:
 
     void appendCommands(const PlacedSparks& placed, std::size_t count, std::uint16_t atlasIndex,
                         const SpriteAtlas& atlas, const TileGrid& grid);
+    static inline void writePart(const Sprite& sprite, int row, int end, const TileGrid& grid, SparkCommand& command);
     inline void append(const Sprite& sprite, const TileGrid& grid);
     void appendTall(const Sprite& sprite, const TileGrid& grid);
     inline void markLit(const Sprite& sprite, const TileGrid& grid);

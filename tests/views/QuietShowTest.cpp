@@ -2,6 +2,7 @@
 #include "views/QuietShow.h"
 #include "engine/panel/FireworksController.h"
 #include "engine/time/Show.h"
+#include "tests/views/SmallSpark.h"
 #include "views/StageView.h"
 
 #include <QDeadlineTimer>
@@ -19,13 +20,6 @@ namespace starbloom {
 namespace {
 
 using namespace std::chrono_literals;
-
-std::shared_ptr<const SparkImage> smallSpark() {
-    auto image = std::make_shared<SparkImage>();
-    image->width = image->height = 5;
-    image->light.assign(25, 0.6F);
-    return image;
-}
 
 /// A stage in a window that plays by the real clock.
 struct QuietTheatre {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/StageView.h"
 #include "engine/panel/FireworksController.h"
+#include "tests/views/SmallSpark.h"
 #include "views/WindowMemory.h"
 
 #include <QBackingStore>
@@ -20,15 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::shared_ptr<const SparkImage> smallSpark() {
-    auto image = std::make_shared<SparkImage>();
-    image->width = image->height = 5;
-    image->light.assign(25, 0.6F);
-    return image;
-}
-
 /// A stage at an odd place in its window, with a clock that the test moves.
-
 struct Theatre {
     static constexpr std::uint64_t seed = 20;
 
